@@ -1,0 +1,59 @@
+# make run   installs what is missing, builds, opens the modelling window on the bundled example
+# make test  installs what is missing, builds, runs every test (Release, then sanitizers)
+# make build builds everything into build/bin; make bench runs the benchmarks
+
+BUILD      ?= build
+ASAN_BUILD ?= build-asan
+JOBS       ?= $(shell nproc)
+EXAMPLE    ?= examples/osborne/osborne_line_5676.qvx
+
+.PHONY: all deps configure build build-asan test test-release test-asan check-layers \
+        check-format format run bench clean
+
+all: build
+
+deps:
+	@bash scripts/install-deps.sh
+
+configure: deps
+	@cmake -S . -B $(BUILD) -DCMAKE_BUILD_TYPE=Release >/dev/null
+
+build: configure
+	@cmake --build $(BUILD) -j $(JOBS)
+
+build-asan: deps
+	@cmake -S . -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DTRENSIL_SANITIZE=ON \
+	    -DTRENSIL_BENCH=OFF >/dev/null
+	@cmake --build $(ASAN_BUILD) -j $(JOBS)
+
+test: check-layers check-format test-release test-asan
+
+test-release: build
+	@cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+test-asan: build-asan
+	@cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 \
+	    UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 ctest --output-on-failure -j $(JOBS)
+
+# src/ and cli/ never include Qt; only src/grid/ includes GDAL.
+check-layers:
+	@! grep -rn --include='*.h' --include='*.cpp' -E '#include *<Q' src cli \
+	    || (echo "Qt header included outside gui/" && false)
+	@! grep -rln --include='*.h' --include='*.cpp' -E '#include *[<"](gdal|ogr|cpl_)' src cli gui \
+	    | grep -v '^src/grid/' || (echo "GDAL header included outside src/grid/" && false)
+
+FORMATTED = $(shell git ls-files '*.cpp' '*.h' 2>/dev/null)
+check-format:
+	@clang-format --dry-run -Werror $(FORMATTED)
+
+format:
+	@clang-format -i $(FORMATTED)
+
+run: build
+	@bash scripts/run-example.sh $(BUILD) $(EXAMPLE)
+
+bench: build
+	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b || exit 1; done
+
+clean:
+	rm -rf $(BUILD) $(ASAN_BUILD) out

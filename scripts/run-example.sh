@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Opens the modelling window on the example; without a display, renders it offscreen to a
+# picture; until the window is built, computes the example with the batch tool.
+set -euo pipefail
+build=$1
+model=$2
+if [ -x "$build/bin/trensil" ]; then
+    if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+        exec "$build/bin/trensil" "$model"
+    fi
+    mkdir -p out
+    QT_QPA_PLATFORM=offscreen "$build/bin/trensil" "$model" --screenshot out/example.png
+    echo "No display: the modelling window of $model was drawn to out/example.png"
+    exit 0
+fi
+"$build/bin/trensil-cli" compute "$model" -o out/example.csv --force
+echo "Computed profile written to out/example.csv"
