@@ -38,7 +38,15 @@ std::size_t numeric_prefix_length(std::string_view s, std::size_t pos) {
 
 std::string take_word(std::string& text) {
     std::size_t start = 0;
-    while (start < text.size() && is_separator(text[start])) ++start;
+    while (start < text.size() && (text[start] == ' ' || text[start] == '\t')) ++start;
+    // A comma where a word should begin closes an empty field: "1,,3" is "1", "", "3", so the
+    // columns of a csv line with a missing value stay in place.
+    if (start < text.size() && text[start] == ',') {
+        std::size_t rest = start + 1;
+        while (rest < text.size() && (text[rest] == ' ' || text[rest] == '\t')) ++rest;
+        text.erase(0, rest);
+        return std::string();
+    }
     std::size_t end = start;
     while (end < text.size() && !is_separator(text[end])) ++end;
     std::string word = text.substr(start, end - start);

@@ -11,8 +11,9 @@
 namespace trensil {
 
 // Removes the first word from `text` and returns it. Blanks, tabs and commas separate words;
-// separators before the word and the one separator run after it are removed too. "" when the
-// text holds no word.
+// blanks before the word and the separator run after it (blanks, tabs and at most one comma) are
+// removed too. Two commas with only blanks between enclose an empty word, so "1,,3" gives "1",
+// "", "3". "" when the text holds no word.
 std::string take_word(std::string& text);
 
 // The value of the longest numeric prefix of `text` after leading blanks: sign, digits, a
