@@ -63,14 +63,14 @@ struct facet_sums {
     T* g = nullptr;   // attraction, subtracted as the face's gravity term
 };
 
-// One closed face ready for the kernel: vertices 1..n and n + 1 = vertex 1, edges 1..n, the unit
-// normal and the pole density.
+// One closed face ready for the kernel: the vertex arrays start at vertex 1 (element 0) and run to
+// vertex n + 1 = vertex 1, the edge arrays hold edges 1..n; the unit normal; the pole density.
 struct facet_face {
     int num_vertices = 0;
-    const double* vx = nullptr;  // indexed 1..n + 1
+    const double* vx = nullptr;
     const double* vy = nullptr;
     const double* vz = nullptr;
-    const double* ex = nullptr;  // indexed 1..n
+    const double* ex = nullptr;
     const double* ey = nullptr;
     const double* ez = nullptr;
     double l = 0.0, m = 0.0, n = 0.0;  // unit normal

@@ -1,0 +1,266 @@
+// The facet engine: per face, the solid angle at the station from the corner angles of the
+// spherical polygon the face projects to, and the line integral of 1/r along each edge.
+#include "response/facet_engine.h"
+
+#include <cmath>
+#include <vector>
+
+namespace trensil {
+
+void cross_with_length(double a1, double a2, double a3, double b1, double b2, double b3, double& c1,
+                       double& c2, double& c3, double& length) {
+    c1 = a2 * b3 - a3 * b2;
+    c2 = a3 * b1 - a1 * b3;
+    c3 = a1 * b2 - a2 * b1;
+    length = std::sqrt(c1 * c1 + c2 * c2 + c3 * c3);
+}
+
+double arc_cos(double x) {
+    if (std::fabs(x) < 1.0) return facet_pi / 2.0 + std::atan(-x / std::sqrt(1.0 - x * x));
+    if (x >= 1.0) return 0.0;
+    return facet_pi;
+}
+
+double facet_corner_angle(const vec3& a, const vec3& b, const vec3& c, const vec3& normal,
+                          int& sign_out) {
+    const double perp = a[0] * normal[0] + a[1] * normal[1] + a[2] * normal[2];
+    sign_out = 1;
+    if (perp == 0.0) return 0.0;
+    // Walk the corner so that the angle is measured on the side the station sees.
+    const vec3& p = perp > 0.0 ? c : a;
+    const vec3& q = perp > 0.0 ? a : c;
+    double u1, u2, u3, ulen;
+    cross_with_length(b[0], b[1], b[2], p[0], p[1], p[2], u1, u2, u3, ulen);
+    u1 /= ulen;
+    u2 /= ulen;
+    u3 /= ulen;
+    double w1, w2, w3, wlen;
+    cross_with_length(q[0], q[1], q[2], b[0], b[1], b[2], w1, w2, w3, wlen);
+    w1 = -w1 / wlen;
+    w2 = -w2 / wlen;
+    w3 = -w3 / wlen;
+    const double test = q[0] * u1 + q[1] * u2 + q[2] * u3;
+    const double cosine = u1 * w1 + u2 * w2 + u3 * w3;
+    const double angle = arc_cos(cosine);
+    if (test < 0.0) {
+        sign_out = -1;
+        return facet_two_pi - angle;
+    }
+    return angle;
+}
+
+bool prepare_facet(int num_vertices, double* vx1, double* vy1, double* vz1, double* ex1,
+                   double* ey1, double* ez1, bool want_magnetic, float mx, float my, float mz,
+                   facet_face& face) {
+    const int nv = num_vertices;
+    // Indexed from 1 as the face tables are: vx(i) is vertex i.
+    auto vx = [vx1](int i) -> double& { return vx1[i - 1]; };
+    auto vy = [vy1](int i) -> double& { return vy1[i - 1]; };
+    auto vz = [vz1](int i) -> double& { return vz1[i - 1]; };
+    auto ex = [ex1](int i) -> double& { return ex1[i - 1]; };
+    auto ey = [ey1](int i) -> double& { return ey1[i - 1]; };
+    auto ez = [ez1](int i) -> double& { return ez1[i - 1]; };
+    vx(nv + 1) = vx(1);
+    vy(nv + 1) = vy(1);
+    vz(nv + 1) = vz(1);
+    for (int i = 1; i <= nv; ++i) {
+        ex(i) = vx(i + 1) - vx(i);
+        ey(i) = vy(i + 1) - vy(i);
+        ez(i) = vz(i + 1) - vz(i);
+    }
+    // Doubled area vector by a fan from vertex 1.
+    double nx = 0.0, ny = 0.0, nz = 0.0;
+    for (int i = 2; i <= nv - 1; ++i) {
+        double c1, c2, c3, len;
+        cross_with_length(vx(i) - vx(1), vy(i) - vy(1), vz(i) - vz(1), vx(i + 1) - vx(1),
+                          vy(i + 1) - vy(1), vz(i + 1) - vz(1), c1, c2, c3, len);
+        nx += c1;
+        ny += c2;
+        nz += c3;
+    }
+    const double area = std::sqrt(nx * nx + ny * ny + nz * nz);
+    if (area == 0.0) return false;
+    face = facet_face{};
+    face.num_vertices = nv;
+    face.vx = vx1;
+    face.vy = vy1;
+    face.vz = vz1;
+    face.ex = ex1;
+    face.ey = ey1;
+    face.ez = ez1;
+    face.l = nx / area;
+    face.m = ny / area;
+    face.n = nz / area;
+    if (want_magnetic) {
+        face.p = static_cast<double>(mx) * face.l + static_cast<double>(my) * face.m +
+                 static_cast<double>(mz) * face.n;
+        if (std::fabs(face.p) < 1e-6) return false;
+    }
+    return true;
+}
+
+namespace {
+
+// What one face gives at one station: the solid angle omega, the edge sums P, Q, R and the
+// signed distance d of the station from the face's plane.
+struct station_terms {
+    double omega = 0.0;
+    double P = 0.0, Q = 0.0, R = 0.0;
+    double d = 0.0;
+};
+
+// Vectors from the station to the face's vertices 1..n + 1 and their lengths.
+struct station_scratch {
+    std::vector<vec3> rel;
+    std::vector<double> dist;
+    explicit station_scratch(int nv)
+        : rel(static_cast<std::size_t>(nv) + 2), dist(static_cast<std::size_t>(nv) + 2) {}
+};
+
+// Field and attraction terms of a flat face of uniform pole density at one station.
+// In: vertices and station in metres (x north, y east, z down), unit normal (l, m, n).
+// Out: omega in steradians, (P, Q, R) = sum over edges of I_i e_i in metres, d in metres, where
+//   I_i = (1/L) ln((|a + e| + L + a.e/L) / (r1 + a.e/L)) is the integral of 1/r along edge i.
+// Solid angle and edge line integrals after Blakely (1995) and Singh and Guptasarma (2001).
+// A station in the face's plane has omega 0; one on the line of an edge is moved off it.
+void face_terms(const facet_face& f, double sx, double sy, double sz, station_scratch& s,
+                station_terms& out) {
+    const int nv = f.num_vertices;
+    // The face arrays are handed in from vertex 1; X(i) reads vertex i.
+    auto X = [&f](int i) { return f.vx[i - 1]; };
+    auto Y = [&f](int i) { return f.vy[i - 1]; };
+    auto Z = [&f](int i) { return f.vz[i - 1]; };
+    const vec3 normal{f.l, f.m, f.n};
+    int retry = 0;
+restart:
+    ++retry;
+    for (int i = 1; i <= nv + 1; ++i) {
+        vec3& a = s.rel[static_cast<std::size_t>(i)];
+        a = vec3{X(i) - sx, Y(i) - sy, Z(i) - sz};
+        s.dist[static_cast<std::size_t>(i)] = std::sqrt(a[0] * a[0] + a[1] * a[1] + a[2] * a[2]);
+    }
+    auto rel = [&s](int i) -> const vec3& { return s.rel[static_cast<std::size_t>(i)]; };
+    const double d = (X(1) - sx) * f.l + (Y(1) - sy) * f.m + (Z(1) - sz) * f.n;
+    const double side = d >= 0.0 ? 1.0 : -1.0;
+    double omega = 0.0;
+    if (std::fabs(d) != 0.0) {
+        double sum = 0.0;
+        int sign_out = 0;
+        for (int i = 1; i <= nv - 1; ++i)
+            sum += facet_corner_angle(rel(i), rel(i + 1), rel(i + 2), normal, sign_out);
+        sum += facet_corner_angle(rel(nv), rel(1), rel(2), normal, sign_out);
+        omega = -side * (sum - (nv - 2) * facet_pi);
+    }
+    double P = 0.0, Q = 0.0, R = 0.0;
+    for (int i = 1; i <= nv; ++i) {
+        vec3 a = rel(i);
+        const vec3& b = rel(i + 1);
+        const double r1 = s.dist[static_cast<std::size_t>(i)];
+        const double r2 = s.dist[static_cast<std::size_t>(i) + 1];
+        double c1, c2, c3, clen;
+        cross_with_length(b[0], b[1], b[2], a[0], a[1], a[2], c1, c2, c3, clen);
+        const double closeness = std::sqrt(clen * clen / (r2 * r1));
+        if (closeness < 0.1) {
+            // Almost on the line of this edge: move the station down (and, for a level edge,
+            // sideways by a tenth of the edge's steps with x and y crossed, growing with each
+            // try) and redo the whole face from there.
+            if (std::fabs(Z(i + 1) - Z(i)) < 0.1) {
+                sx = sx + (Y(i + 1) - Y(i)) / 10.0 * retry;
+                sy = sy + (X(i + 1) - X(i)) / 10.0 * retry;
+            }
+            sz = sz - 1.0;
+            if (retry < 10) goto restart;
+            // Tenth try: integrate the edge as it stands, from its nearer vertex.
+            if (r1 > r2) a = b;
+        }
+        const double ex = f.ex[i - 1], ey = f.ey[i - 1], ez = f.ez[i - 1];
+        const double L2 = ex * ex + ey * ey + ez * ez;
+        const double L = std::sqrt(L2);
+        double b2 = 2.0 * (a[0] * ex + a[1] * ey + a[2] * ez);
+        double bh = b2 / L / 2.0;
+        double t = 1.0;
+        if (r1 + bh == 0.0) {
+            bh = -bh;
+            b2 = -b2;
+            t = -1.0;
+        }
+        double integral = 0.0;
+        if (r1 + bh != 0.0)
+            integral = (1.0 / L) * std::log((std::sqrt(L2 + b2 + r1 * r1) + L + bh) / (r1 + bh));
+        integral = t * integral;
+        P += integral * ex;
+        Q += integral * ey;
+        R += integral * ez;
+    }
+    out.omega = omega;
+    out.P = P;
+    out.Q = Q;
+    out.R = R;
+    out.d = d;
+}
+
+}  // namespace
+
+template <class T>
+void facet_kernel(const facet_face& face, const facet_stations& stations, std::size_t first,
+                  std::size_t last, bool want_magnetic, bool want_gravity,
+                  const facet_sums<T>& sums) {
+    const double l = face.l, m = face.m, n = face.n, p = face.p;
+    station_terms t;
+    station_scratch scratch(face.num_vertices);
+    for (std::size_t k = first; k < last; ++k) {
+        face_terms(face, stations.x[k], stations.y[k], stations.z[k], scratch, t);
+        if (want_magnetic) {
+            const double hx = p * (l * t.omega + n * t.Q - m * t.R);
+            const double hy = p * (m * t.omega + l * t.R - n * t.P);
+            const double hz = p * (n * t.omega + m * t.P - l * t.Q);
+            if (sums.hx) sums.hx[k] = static_cast<T>(sums.hx[k] + hx);
+            if (sums.hy) sums.hy[k] = static_cast<T>(sums.hy[k] + hy);
+            if (sums.hz) sums.hz[k] = static_cast<T>(sums.hz[k] + hz);
+        }
+        if (want_gravity && std::fabs(t.d) != 0.0 && sums.g) {
+            const double g = (n * t.omega + m * t.P - l * t.Q) * t.d;
+            sums.g[k] = static_cast<T>(sums.g[k] - g);
+        }
+    }
+}
+
+template void facet_kernel<float>(const facet_face&, const facet_stations&, std::size_t,
+                                  std::size_t, bool, bool, const facet_sums<float>&);
+template void facet_kernel<double>(const facet_face&, const facet_stations&, std::size_t,
+                                   std::size_t, bool, bool, const facet_sums<double>&);
+
+void facet_response(int /*face_index*/, body_record& body, const profile_block& profile,
+                    bool want_magnetic, bool want_gravity, float mx, float my, float mz,
+                    double /*fx*/, double /*fy*/, double /*fz*/, int num_vertices,
+                    array1<double>& vx, array1<double>& vy, array1<double>& vz, array1<double>& ex,
+                    array1<double>& ey, array1<double>& ez) {
+    facet_face face;
+    if (!prepare_facet(num_vertices, &vx(1), &vy(1), &vz(1), &ex(1), &ey(1), &ez(1), want_magnetic,
+                       mx, my, mz, face))
+        return;
+    const int count = profile.num_stations;
+    if (count <= 0) return;
+    std::vector<double> xs(static_cast<std::size_t>(count)), ys(xs.size()), zs(xs.size());
+    const double north1 = profile.location(northing_row, 1);
+    const double east1 = profile.location(easting_row, 1);
+    const double elev1 = profile.location(sensor_row, 1);
+    for (int k = 1; k <= count; ++k) {
+        xs[static_cast<std::size_t>(k - 1)] = profile.location(northing_row, k) - north1;
+        ys[static_cast<std::size_t>(k - 1)] = profile.location(easting_row, k) - east1;
+        zs[static_cast<std::size_t>(k - 1)] = -(profile.location(sensor_row, k) - elev1);
+    }
+    const facet_stations stations{xs.size(), xs.data(), ys.data(), zs.data()};
+    facet_sums<float> sums;
+    if (want_magnetic) {
+        sums.hx = &body.body_response(north_row, 1);
+        sums.hy = &body.body_response(east_row, 1);
+        sums.hz = &body.body_response(down_row, 1);
+    }
+    if (want_gravity) sums.g = &body.body_response(gravity_row, 1);
+    facet_split_stations(stations.count, [&](std::size_t first, std::size_t last) {
+        facet_kernel(face, stations, first, last, want_magnetic, want_gravity, sums);
+    });
+}
+
+}  // namespace trensil
