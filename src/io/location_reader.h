@@ -36,22 +36,21 @@ public:
     void close();
     bool is_open() const { return file_ != nullptr; }
     bool tolerant() const { return tolerant_; }
-    // True once a read has met the end of the file.
-    bool at_end() const;
+    // True when no character is left to read.
+    bool at_end();
     // The next line, without its line end; "" at the end of the file.
     std::string read_line();
+    void read_line(std::string& line);
 
 private:
-    int next_char();
-    void put_back(int c);
+    bool fill_buffer();
+    int peek_char();
 
     std::FILE* file_ = nullptr;
     bool tolerant_ = false;
-    bool at_end_ = false;
     std::vector<char> buffer_;
     std::size_t buffer_pos_ = 0;
     std::size_t buffer_len_ = 0;
-    int pushed_back_ = -1;
 };
 
 // Reads the data file of `definition` into `block`. Mode 0 counts the stations, works out the
@@ -60,6 +59,12 @@ private:
 // to x, y and the sensor elevation. Returns 0 at the end of the file, -1 after an error (shown).
 int read_location_data(int mode, const data_definition& definition, profile_block& block,
                        const transform_state& transforms, platform& ui);
+
+// After a counting pass: shows "No valid x coordinate values were read" and its like for each
+// column asked for (x, z, DTM, mag, gravity, in that order) whose range never saw a value, and
+// returns -1 if there was one; 0 otherwise.
+int check_location_ranges(const data_definition& definition, const profile_block& block,
+                          platform& ui);
 
 // Splits a line into fields 1..count at `delimiter`, or into words when the delimiter does not
 // occur. A count of 0 takes every field; count comes back as the number found. Quotes at either
