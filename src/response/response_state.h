@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <string>
 
 #include "support/bounded_array.h"
 #include "support/platform.h"
@@ -47,6 +48,27 @@ struct response_state {
     // benchmarks and the cache tests read them.
     long mag_responses_computed = 0;
     long grav_responses_computed = 0;
+
+    // Sizes of the closed-body work space: stations, vertices, triangles, bodies. Grown by the
+    // driver when the profile outgrows them, never shrunk.
+    int work_vertex_capacity = 0;
+    int work_triangle_capacity = 0;
+    int work_body_count = 0;
 };
+
+// Shows `text` through the state's platform when there is one.
+inline void report_response_failure(response_state& state, const std::string& text) {
+    if (state.ui) state.ui->show_message(text);
+}
+
+// The description of a value that the responses cannot store: "Overflow" for an infinite value
+// or one beyond single precision, "Invalid procedure call or argument" for a value that is not a
+// number (a logarithm of a negative ratio, 0 / 0). Empty for a value that can be stored.
+inline std::string non_finite_description(double v) {
+    if (std::isnan(v)) return "Invalid procedure call or argument";
+    if (std::isinf(v) || std::fabs(v) > static_cast<double>(std::numeric_limits<float>::max()))
+        return "Overflow";
+    return "";
+}
 
 }  // namespace trensil
