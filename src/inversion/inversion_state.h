@@ -1,0 +1,57 @@
+// What the inversion keeps between runs: the table of free parameters with its limits and steps,
+// the map from table rows back to bodies, the start and best vectors, the residual vectors, the
+// misfit weight and the session's flags. A workspace owns one; tests build their own.
+//
+//   inversion_state state;
+//   int count = 0;
+//   collect_all_parameters(model, state, false, inversion_mode_magnetics, count);
+#pragma once
+
+#include <cstdint>
+
+#include "core/parameter.h"
+#include "support/bounded_array.h"
+
+namespace trensil {
+
+// Data types an inversion can fit, the list index of Combo_invert.
+inline constexpr int inversion_mode_magnetics = 0;
+inline constexpr int inversion_mode_gravity = 1;
+
+// Columns of inversion_parameters.
+enum inversion_column : int {
+    column_value = 1,
+    column_min = 2,
+    column_max = 3,
+    column_step = 4,
+};
+
+// Columns of parameter_map.
+enum parameter_map_column : int { map_body = 1, map_property_row = 2 };
+
+struct inversion_state {
+    // The parameter vector: rows 1..inversion_parameter_count.
+    std::int32_t inversion_parameter_count = 0;
+    array2<float> inversion_parameters;  // value, min, max, step
+    array2<std::int32_t> parameter_map;  // body index, property row
+    array1<float> start_parameters;      // the values the last run began with
+    array1<float> best_parameters;       // the values of the best model seen
+
+    // The solver: misfit weight of the run, residuals over the inversion range 1..N.
+    float misfit_weight = 1.0f;
+    std::int32_t inversion_count = 0;
+    array1<float> current_residual;
+    array1<float> trial_residual;
+
+    // The session.
+    float best_misfit = undefined_value;  // -99999: none
+    bool have_best_model = false;
+    bool stop_requested = false;
+
+    // What the last run did, for the callers that report it (the batch tool, the tests).
+    int iterations_done = 0;
+    bool stalled = false;  // the last run ended by the one-per-cent rule
+    long misfit_evaluations = 0;
+};
+
+}  // namespace trensil
