@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
+#include <stdexcept>
 #include <string>
 
 namespace trensil {
@@ -13,6 +14,8 @@ namespace {
 
 constexpr double to_radians = 0.017453292;
 constexpr double circle_start = -1.57079628;
+// Larger meshes are refused with a message rather than exhausting memory.
+constexpr long long max_mesh_size = 50000000;
 
 // Sector count the mesh uses: below 4 gives 12, an odd count is raised by one.
 int mesh_sectors(int sectors) {
@@ -164,9 +167,9 @@ int tessellate_cylinder(platform* ui, bool axis_on_y, bool apply_pose, int& num_
     if (shell > 0.0 && (!(start_radius > shell) || !(end_radius > shell))) return 0;
     if (shell > 0.0 && end_thickness > 0.0 && !(length / 2.0 > end_thickness)) return 0;
     try {
+        if (sectors > max_mesh_size || segments > max_mesh_size)
+            throw std::length_error("the mesh would need more than 50,000,000 triangles");
         const int n = mesh_sectors(sectors);
-        unit_circle circle;
-        make_unit_circle(circle, n);
         const int s = std::max(segments, 1);
         const bool hollow = shell > 0.0;
         const bool open_ends = hollow && end_thickness == 0.0;
@@ -177,22 +180,27 @@ int tessellate_cylinder(platform* ui, bool axis_on_y, bool apply_pose, int& num_
         const bool from_far_end = end_radius == 0.0;
         const double near_radius = from_far_end ? end_radius : start_radius;
         const double far_radius = from_far_end ? start_radius : end_radius;
-        int vertex_total = 0;
-        int triangle_total = 0;
+        long long vertex_total = 0;
+        long long triangle_total = 0;
+        const long long nn = n;
         if (open_ends) {
-            vertex_total = 2 * n * (s + 1);
-            triangle_total = 4 * n * (s + 1);
+            vertex_total = 2 * nn * (s + 1LL);
+            triangle_total = 4 * nn * (s + 1LL);
         } else {
-            const int rings = s + (near_radius > 0.0 ? 1 : 0);
-            vertex_total = 2 + rings * n;
-            triangle_total = 2 * n * (rings - 1) + n + n;
+            const long long rings = s + (near_radius > 0.0 ? 1LL : 0LL);
+            vertex_total = 2 + rings * nn;
+            triangle_total = 2 * nn * (rings - 1) + nn + nn;
             if (end_plates) {
                 vertex_total *= 2;
                 triangle_total *= 2;
             }
         }
-        vertices.resize(1, 3, 1, vertex_total);
-        triangles.resize(1, 3, 1, triangle_total);
+        if (vertex_total > max_mesh_size || triangle_total > max_mesh_size)
+            throw std::length_error("the mesh would need more than 50,000,000 triangles");
+        unit_circle circle;
+        make_unit_circle(circle, n);
+        vertices.resize(1, 3, 1, static_cast<int>(vertex_total));
+        triangles.resize(1, 3, 1, static_cast<int>(triangle_total));
         mesh_writer mesh{vertices, triangles};
 
         // Built from the far end when that end is a point, so the first vertex is the apex.
@@ -209,7 +217,6 @@ int tessellate_cylinder(platform* ui, bool axis_on_y, bool apply_pose, int& num_
                 mesh.vertex(0.0, 0.0, axial);
             }
         };
-        const int ring_block = open_ends ? 2 * n : n;
         auto ring_pair = [&](double axial, double radius) {
             add_ring(circle, axis_on_y, n, aspect, axial, radius, mesh.vertex_count + 1,
                      mesh.vertex_count, vertices);
@@ -245,7 +252,6 @@ int tessellate_cylinder(platform* ui, bool axis_on_y, bool apply_pose, int& num_
             previous = ring;
         }
         const int last_ring = previous;
-        (void)ring_block;
         if (open_ends) {
             // Annuli between outer and inner rings, facing out along the axis.
             mesh.join_rings(first_ring + n, first_ring, n, reverse);
