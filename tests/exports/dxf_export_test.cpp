@@ -1,0 +1,255 @@
+#include "exports/dxf_export.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <sstream>
+
+#include "export_fixtures.h"
+#include "support/scripted_platform.h"
+
+namespace trensil {
+namespace {
+
+using testing::add_body;
+using testing::dxf_reading;
+using testing::model_with_stations;
+using testing::read_bytes;
+using testing::read_dxf;
+using testing::read_lines;
+using testing::scratch_directory;
+
+const std::string reference_dir = std::string(TRENSIL_SOURCE_DIR) + "/tests/exports/data/";
+
+// Two stations 100 apart running east, and one vertical thin sheet between them, striking north,
+// 10 wide, 200 long, its top at 100 and 50 deep.
+model_record small_model() {
+    model_record model = model_with_stations({{1000.0, 5000.0}, {1100.0, 5000.0}});
+    body_record& dyke = add_body(model, 1, "Dyke", 1050.0, 5000.0, 0.0f, 90.0f);
+    dyke.cos_dip = 0.0f;
+    dyke.sin_dip = 1.0f;
+    dyke.width.value = 10.0f;
+    dyke.length.value = 200.0f;
+    dyke.top.value = 100.0f;
+    dyke.depth_extent.value = 50.0f;
+    return model;
+}
+
+std::string plan_text(const model_record& model) {
+    std::ostringstream out;
+    write_plan_dxf(out, model);
+    return out.str();
+}
+
+std::string body_text(model_record& model) {
+    response_state state;
+    std::ostringstream out;
+    write_body_dxf(out, model, state);
+    return out.str();
+}
+
+TEST(squared_plan_extents, widen_the_shorter_range_about_its_centre) {
+    model_record model = model_with_stations({{1000.0, 5000.0}, {1100.0, 5400.0}});
+    const clip_rectangle r = squared_plan_extents(model);
+    EXPECT_FLOAT_EQ(r.xmin, 850.0f);
+    EXPECT_FLOAT_EQ(r.xmax, 1250.0f);
+    EXPECT_FLOAT_EQ(r.ymin, 5000.0f);
+    EXPECT_FLOAT_EQ(r.ymax, 5400.0f);
+
+    // A line due north has no East range at all and takes the North range.
+    model = model_with_stations({{300.0, 0.0}, {300.0, 80.0}});
+    const clip_rectangle north = squared_plan_extents(model);
+    EXPECT_FLOAT_EQ(north.xmin, 260.0f);
+    EXPECT_FLOAT_EQ(north.xmax, 340.0f);
+}
+
+TEST(dxf_default_names, sit_beside_the_model_and_are_empty_without_one) {
+    model_record model;
+    EXPECT_EQ(plan_dxf_default_name(model), "");
+    EXPECT_EQ(body_dxf_default_name(model), "");
+    model.model_file = "/data/line.5/osborne 5676.qvx";
+    EXPECT_EQ(plan_dxf_default_name(model), "/data/line.5/osborne 5676.dxf");
+    EXPECT_EQ(body_dxf_default_name(model), "/data/line.5/osborne 5676_3d.dxf");
+}
+
+TEST(dxf_files, match_the_hand_written_reference_line_for_line) {
+    model_record model = small_model();
+    EXPECT_EQ(plan_text(model), read_bytes(reference_dir + "small_plan.dxf"));
+    EXPECT_EQ(body_text(model), read_bytes(reference_dir + "small_3d.dxf"));
+}
+
+TEST(dxf_files, are_read_by_a_dxf_reader_with_the_written_geometry) {
+    scratch_directory dir("dxf_read");
+    model_record model = small_model();
+    response_state state;
+    std::string error;
+    ASSERT_EQ(write_plan_dxf(model, dir.file("plan.dxf"), error), 0) << error;
+    ASSERT_EQ(write_body_dxf(model, state, dir.file("body.dxf"), error), 0) << error;
+
+    const dxf_reading plan = read_dxf(dir.file("plan.dxf"));
+    ASSERT_TRUE(plan.readable);
+    EXPECT_EQ(plan.extmin, (std::vector<double>{1000, 4950}));
+    EXPECT_EQ(plan.extmax, (std::vector<double>{1100, 5050}));
+    const auto lines = plan.of_kind("POLYLINE");
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(plan.entities.size(), 2u);
+    EXPECT_EQ(lines[0].numbers, (std::vector<double>{1000, 5000, 0, 1100, 5000, 0}));
+    EXPECT_EQ(lines[1].numbers, (std::vector<double>{1050, 4950, 0, 1050, 5050, 0, 1060, 5050, 0,
+                                                     1060, 4950, 0, 1050, 4950, 0}));
+
+    const dxf_reading body = read_dxf(dir.file("body.dxf"));
+    ASSERT_TRUE(body.readable);
+    EXPECT_EQ(body.layers.find("Dyke"), std::string::npos);  // no layer table is written
+    const auto faces = body.of_kind("3DFACE");
+    ASSERT_EQ(faces.size(), 6u);
+    for (const auto& f : faces) {
+        EXPECT_EQ(f.layer, "Dyke");
+        EXPECT_EQ(f.colour, 1);
+    }
+    // The top, then the bottom face wound the other way.
+    EXPECT_EQ(faces[0].numbers, (std::vector<double>{1050, 5100, 100, 1050, 4900, 100, 1060, 4900,
+                                                     100, 1060, 5100, 100}));
+    EXPECT_EQ(faces[1].numbers, (std::vector<double>{1060, 5100, 50, 1060, 4900, 50, 1050, 4900, 50,
+                                                     1050, 5100, 50}));
+}
+
+TEST(plan_dxf, without_stations_holds_only_the_bodies) {
+    model_record model = small_model();
+    model.profile.num_stations = 0;  // the ranges stay as the data gave them
+    const std::string text = plan_text(model);
+    std::istringstream in(text);
+    int polylines = 0;
+    for (std::string line; std::getline(in, line);) polylines += line == "POLYLINE\r";
+    EXPECT_EQ(polylines, 1);
+    EXPECT_NE(text.find(" 1060 "), std::string::npos);
+}
+
+TEST(plan_dxf, writes_footprints_only_for_sheets_and_cylinders_that_reach_the_view) {
+    model_record model = small_model();
+    add_body(model, 6, "Sphere", 1050.0, 5000.0, 0.0f, 90.0f);
+    add_body(model, 5, "Polygon", 1050.0, 5000.0, 0.0f, 90.0f);
+    add_body(model, 2, "Far", 1050.0, 9000.0, 90.0f, 90.0f).width.value = 5.0f;
+    body_record& pipe = add_body(model, 16, "Pipe", 1080.0, 5000.0, 0.0f, 90.0f);
+    pipe.width.value = 4.0f;
+    pipe.length.value = 20.0f;
+    scratch_directory dir("plan_bodies");
+    std::string error;
+    ASSERT_EQ(write_plan_dxf(model, dir.file("p.dxf"), error), 0);
+    const auto lines = read_dxf(dir.file("p.dxf")).of_kind("POLYLINE");
+    ASSERT_EQ(lines.size(), 3u);  // profile, dyke, pipe
+    EXPECT_EQ(lines[2].numbers, (std::vector<double>{1076, 4990, 0, 1076, 5010, 0, 1084, 5010, 0,
+                                                     1084, 4990, 0, 1076, 4990, 0}));
+}
+
+TEST(body_dxf, keeps_the_four_character_group_codes_of_sheet_faces_and_empty_names) {
+    model_record model = small_model();
+    model.body(1).name = "";
+    const auto text = body_text(model);
+    EXPECT_NE(text.find("3DFACE\r\n  8\r\n\r\n  62\r\n  1\r\n  10\r\n"), std::string::npos);
+    EXPECT_NE(text.find("\r\n  33\r\n"), std::string::npos);
+}
+
+TEST(body_dxf, writes_every_non_cylinder_as_a_sheet_and_zero_depth_as_1000_deep) {
+    model_record model = small_model();
+    model.body(1).depth_extent.value = 0.0f;
+    add_body(model, 6, "Sphere", 1050.0, 5000.0, 0.0f, 90.0f).top.value = 20.0f;
+    scratch_directory dir("body_sheets");
+    response_state state;
+    std::string error;
+    ASSERT_EQ(write_body_dxf(model, state, dir.file("b.dxf"), error), 0);
+    const auto faces = read_dxf(dir.file("b.dxf")).of_kind("3DFACE");
+    ASSERT_EQ(faces.size(), 12u);
+    EXPECT_DOUBLE_EQ(faces[1].numbers[2], -900.0);  // bottom: top 100 less 1000
+    EXPECT_EQ(faces[6].layer, "Sphere");
+}
+
+TEST(body_dxf, writes_each_cylinder_triangle_with_three_character_codes_to_two_decimals) {
+    model_record model = model_with_stations({{0.0, 0.0}, {100.0, 0.0}});
+    body_record& pipe = add_body(model, 16, "Pipe", 50.0, 0.0, 30.0f, 60.0f);
+    pipe.width.value = 20.0f;
+    pipe.length.value = 100.0f;
+    pipe.top.value = -15.0f;
+    pipe.num_sectors = 8;
+    scratch_directory dir("body_cylinder");
+    response_state state;
+    std::string error;
+    ASSERT_EQ(write_body_dxf(model, state, dir.file("c.dxf"), error), 0);
+    const solid_cache& solid = model.body(1).solid;
+    ASSERT_GT(solid.num_triangles, 0);
+
+    const auto lines = read_lines(dir.file("c.dxf"));
+    const auto face = std::find(lines.begin(), lines.end(), "3DFACE");
+    ASSERT_NE(face, lines.end());
+    EXPECT_EQ(face[4], "  1");
+    EXPECT_EQ(face[5], " 10");
+    EXPECT_EQ(face[6].find('.'), face[6].size() - 3);  // "0.00"
+    EXPECT_EQ(face[23], " 13");
+
+    const auto faces = read_dxf(dir.file("c.dxf")).of_kind("3DFACE");
+    ASSERT_EQ(static_cast<int>(faces.size()), solid.num_triangles);
+    for (int t = 1; t <= solid.num_triangles; ++t) {
+        const auto& f = faces[static_cast<std::size_t>(t - 1)];
+        EXPECT_EQ(f.layer, "Pipe");
+        for (int k = 0; k < 4; ++k) {
+            const int v = solid.triangles(std::min(k, 2) + 1, t);
+            for (int axis = 1; axis <= 3; ++axis) {
+                EXPECT_NEAR(f.numbers[static_cast<std::size_t>(k * 3 + axis - 1)],
+                            solid.placed_vertices(axis, v), 0.005 + 1e-9);
+            }
+        }
+    }
+}
+
+TEST(body_dxf, leaves_out_a_cylinder_whose_mesh_cannot_be_made) {
+    model_record model = small_model();
+    body_record& hollow = add_body(model, 16, "Hollow", 1050.0, 5000.0, 0.0f, 0.0f);
+    hollow.width.value = 10.0f;
+    hollow.length.value = 50.0f;
+    hollow.shell_thickness = 8.0f;  // not below the radius: refused
+    const auto text = body_text(model);
+    EXPECT_EQ(text.find("Hollow"), std::string::npos);
+    EXPECT_NE(text.find("Dyke"), std::string::npos);
+}
+
+class dxf_commands : public ::testing::Test {
+protected:
+    scratch_directory dir{"dxf_commands"};
+    model_record model = small_model();
+    response_state state;
+    scripted_platform ui;
+};
+
+TEST_F(dxf_commands, write_plan_then_3d_and_report_each) {
+    ui.file_answers = {dir.file("plan"), dir.file("model_3d.dxf")};
+    menu_export_dxf(model, state, ui);
+    EXPECT_TRUE(testing::read_dxf(dir.file("plan.dxf")).readable);  // ".dxf" added
+    EXPECT_EQ(read_bytes(dir.file("model_3d.dxf")), read_bytes(reference_dir + "small_3d.dxf"));
+    EXPECT_EQ(ui.messages, (std::vector<std::string>{"Output complete", "Output complete"}));
+}
+
+TEST_F(dxf_commands, a_cancel_of_the_plan_does_not_stop_the_3d_file) {
+    ui.file_answers = {std::nullopt, dir.file("model_3d.dxf")};
+    menu_export_dxf(model, state, ui);
+    EXPECT_TRUE(std::filesystem::exists(dir.file("model_3d.dxf")));
+    EXPECT_EQ(ui.messages, (std::vector<std::string>{"Output complete"}));
+}
+
+TEST_F(dxf_commands, no_bodies_ask_for_no_3d_file) {
+    model.num_bodies = 0;
+    ui.file_answers = {dir.file("plan.dxf"), dir.file("never.dxf")};
+    menu_export_dxf(model, state, ui);
+    EXPECT_EQ(ui.file_answers.size(), 1u);
+    EXPECT_FALSE(std::filesystem::exists(dir.file("never.dxf")));
+}
+
+TEST_F(dxf_commands, a_failed_write_is_reported_and_leaves_the_working_directory) {
+    const auto before = std::filesystem::current_path();
+    ui.file_answers = {dir.file("missing/plan.dxf")};
+    EXPECT_EQ(export_plan_dxf(model, ui), -1);
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0].rfind("An error occurred while writing the file: ", 0), 0u);
+    EXPECT_EQ(std::filesystem::current_path(), before);
+}
+
+}  // namespace
+}  // namespace trensil
