@@ -206,7 +206,9 @@ int tessellate_cylinder(platform* ui, bool axis_on_y, bool apply_pose, int& num_
         // Built from the far end when that end is a point, so the first vertex is the apex.
         const double start_axial = from_far_end ? length : 0.0;
         const double step = (from_far_end ? -length : length) / s;
-        const bool reverse = from_far_end;
+        // Rings run anticlockwise about the second coordinate but clockwise about the third,
+        // so the winding that faces out turns with the axis as well as with the build direction.
+        const bool reverse = from_far_end != !axis_on_y;
         // Radius along the axis, from the start radius at axial 0 to the end radius at length.
         const double taper = (end_radius - start_radius) / length;
         auto radius_at = [&](double axial) { return start_radius + axial * taper; };
