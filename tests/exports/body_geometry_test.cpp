@@ -171,6 +171,16 @@ TEST_F(trapezoid, vertical_sheet_has_its_bottom_under_its_top) {
     }
 }
 
+TEST_F(trapezoid, sheet_without_a_strike_length_collapses_to_its_reference_line) {
+    // Corners come from length and offset alone: an unbounded sheet (length 0) is written as a
+    // ribbon of no length, unlike the plan, which draws it 250 long.
+    body.length.value = 0.0f;
+    convert_profile_model_to_trapezoid(body, c);
+    expect_corner(1, 1, 0, 0, 0);
+    expect_corner(1, 2, 0, 0, 0);
+    expect_corner(1, 3, 10, 0, 0);
+}
+
 TEST_F(trapezoid, zero_depth_extent_makes_the_sheet_1000_deep_thrown_down_dip) {
     body.depth_extent.value = 0.0f;
     body.cos_dip = body.sin_dip = static_cast<float>(std::sqrt(0.5));
