@@ -13,9 +13,10 @@ namespace trensil {
 
 // Turns the values in c(1..n, 1) into the coefficients of the cubic spline through (tau(i),
 // c(i, 1)): afterwards c(i, 2), c(i, 3), c(i, 4) are the first, second and third derivative at
-// tau(i) from the right. An end condition of 0 is not-a-knot, 1 a given slope in c(1, 2) or
-// c(n, 2), 2 a given second derivative in c(1, 3) or c(n, 3). Two points give the straight line,
-// three with both conditions 0 the parabola. `c` must have rows 1..n and columns 1..4.
+// tau(i) from the right. An end condition of 0 is not-a-knot, 1 a given slope and 2 a given
+// second derivative, the value given in c(1, 2) for the first point or c(n, 2) for the last.
+// Two points give the straight line, three with both conditions 0 the parabola. `c` must have
+// rows 1..n and columns 1..4.
 void cubspl(int n, const array1<double>& tau, array2<double>& c, int begin_condition,
             int end_condition);
 
