@@ -220,6 +220,8 @@ void place_body_on_profile(model_record& model, int index) {
     const float t = body.top.value;
     const float width = body.width.value;
 
+    // The width is taken off although top is a depth below the ground, and a cylinder takes it
+    // off twice: the bodies stored in model files are placed by this elevation, so it stays.
     float z_reference = 0.0f;
     if (model.dtm < 1) {
         z_reference = -(t - model.topo) - width;
@@ -235,7 +237,6 @@ void place_body_on_profile(model_record& model, int index) {
         }
         z_reference = static_cast<float>(-(t - ground) - width);
     }
-    // Taken off although top is a depth below ground: the layout of the model files rests on it.
     if (body.type == 16) z_reference -= width;
     body.z_reference = z_reference;
 }
