@@ -15,18 +15,20 @@
 
 namespace {
 
-std::filesystem::path work_dir() {
-    static const std::filesystem::path dir = [] {
-        auto d = std::filesystem::temp_directory_path() /
-                 ("trensil_fuzz_regedit_" + std::to_string(::getpid()));
-        std::filesystem::create_directories(d);
+// The folder of this run's files, removed at exit. Held by a pointer that is never freed, so
+// it outlives the exit handler that removes the folder.
+const std::filesystem::path& work_dir() {
+    static const auto* dir = [] {
+        auto* d = new std::filesystem::path(std::filesystem::temp_directory_path() /
+                                            ("trensil_fuzz_regedit_" + std::to_string(::getpid())));
+        std::filesystem::create_directories(*d);
         std::atexit([] {
             std::error_code ec;
             std::filesystem::remove_all(work_dir(), ec);
         });
         return d;
     }();
-    return dir;
+    return *dir;
 }
 
 std::string read_all(const std::filesystem::path& p) {
