@@ -1,7 +1,5 @@
 #include "response/response_driver.h"
 
-#include <initializer_list>
-
 #include "response/derived_channels.h"
 #include "response/gravity_response.h"
 #include "response/magnetic_response.h"
@@ -70,12 +68,12 @@ void rebuild_channel(model_record& model, response_state& state, bool gravity,
                 }
             } else {
                 // Turned off: current, with zero rows.
-                const std::initializer_list<int> rows =
-                    gravity ? std::initializer_list<int>{gravity_row}
-                            : std::initializer_list<int>{total_field_row, north_row, east_row,
-                                                         down_row};
-                for (int row : rows) {
-                    float* r = body.body_response.row(row);
+                static constexpr int mag_rows[] = {total_field_row, north_row, east_row, down_row};
+                static constexpr int grav_rows[] = {gravity_row};
+                const int* rows = gravity ? grav_rows : mag_rows;
+                const int count = gravity ? 1 : 4;
+                for (int k = 0; k < count; ++k) {
+                    float* r = body.body_response.row(rows[k]);
                     for (int i = 0; i < n; ++i) r[i] = 0.0f;
                 }
             }
