@@ -146,6 +146,9 @@ void prepare_channels(model_record& model) {
     model.profile_ready = 0;
     clear_body_results(model);
     const int n = model.profile.num_stations;
+    // A capacity raised without the array (a reader that set body_capacity alone) is made real
+    // here, so every body up to the capacity gets its response rows.
+    if (model.bodies.hi() < model.body_capacity) grow_bodies(model, model.body_capacity);
     for (int i = 0; i <= model.body_capacity; ++i) model.bodies(i).body_response.resize(1, 5, 1, n);
     profile_block& p = model.profile;
     const bool window_ok = p.inversion_first_station != 0 && p.inversion_last_station > 0 &&
