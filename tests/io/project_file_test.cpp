@@ -1,0 +1,130 @@
+// The project file: round trip, the repairs of the numbering line, the optional sample settings,
+// and the format and write failures with their messages.
+#include <gtest/gtest.h>
+
+#include "io/project_file.h"
+#include "model_test_files.h"
+#include "support/scripted_platform.h"
+
+namespace trensil {
+namespace {
+
+using model_testing::block_writes_to;
+using model_testing::read_text;
+using model_testing::scratch_folder;
+using model_testing::write_text;
+
+struct project_file : ::testing::Test {
+    scratch_folder dir{"project"};
+    std::string path = dir.file("area.qvj");
+    scripted_platform ui;
+    project_definition project;
+    std::int16_t status = 99;
+
+    void read_text_as_project(const std::string& text) {
+        write_text(path, text);
+        read_project(path, project, status, ui);
+    }
+};
+
+const std::string grids_and_two_lines =
+    "mag.grd\r\ndtm.tif\r\n\r\n 2 \r\n 1020 \r\n/lines/l1020.qvx\r\n/lines/l1020.bmp\r\n"
+    " 1000 \r\n/lines/l1000.qvx\r\n/lines/l1000.bmp\r\n";
+
+TEST_F(project_file, round_trip_keeps_every_field) {
+    project.first_line_number = 500;
+    project.line_number_step = 20;
+    project.grid_files = {"/grids/mag.ers", "/grids/dem.tif", ""};
+    project.num_lines = 3;
+    project.allocate_lines(3);
+    for (int i = 1; i <= 3; ++i) {
+        project.line_numbers(i) = 500 + 20 * i;
+        project.model_paths(i) = "/lines/Line_" + std::to_string(500 + 20 * i) + ".qvx";
+        project.picture_paths(i) = "/lines/Line " + std::to_string(i) + ", west.bmp";
+    }
+    project.sample_grid = {1, 0, 1};
+    project.value_is_depth = 0;
+    project.value_is_height = 1;
+    ASSERT_TRUE(write_project(path, project, ui));
+
+    project_definition back;
+    read_project(path, back, status, ui);
+    ASSERT_EQ(status, 0);
+    EXPECT_TRUE(ui.messages.empty());
+    EXPECT_EQ(back.first_line_number, 500);
+    EXPECT_EQ(back.line_number_step, 20);
+    EXPECT_EQ(back.grid_files, project.grid_files);
+    ASSERT_EQ(back.num_lines, 3);
+    EXPECT_EQ(back.line_numbers.hi(), 3 + 64);
+    EXPECT_EQ(back.models.hi(), 3 + 64);
+    for (int i = 1; i <= 3; ++i) {
+        EXPECT_EQ(back.line_numbers(i), project.line_numbers(i));
+        EXPECT_EQ(back.model_paths(i), project.model_paths(i));
+        EXPECT_EQ(back.picture_paths(i), project.picture_paths(i));
+    }
+    EXPECT_TRUE(back.sample_settings_present);
+    EXPECT_EQ(back.sample_grid, project.sample_grid);
+    EXPECT_EQ(back.value_is_height, 1);
+    // The highest number read is 560: the next one is a step above it.
+    EXPECT_EQ(back.next_line_number, 580);
+    EXPECT_EQ(read_text(path).substr(0, 40), "Trensil Project Version 1.0\r\n 500  20 \r\n");
+}
+
+TEST_F(project_file, numbering_line_repairs) {
+    read_text_as_project("Trensil Project Version 1.0\r\n0 0\r\n" + grids_and_two_lines);
+    ASSERT_EQ(status, 0);
+    EXPECT_EQ(project.first_line_number, 10000);
+    EXPECT_EQ(project.line_number_step, 10);
+    EXPECT_EQ(project.next_line_number, 10000);  // no line number above it
+
+    read_text_as_project("Trensil Project Version 1.0\r\n-5 abc\r\n" + grids_and_two_lines);
+    EXPECT_EQ(project.first_line_number, 1000);
+    EXPECT_EQ(project.line_number_step, 10);
+    EXPECT_EQ(project.next_line_number, 1030);
+
+    read_text_as_project("Trensil Project Version 1.0\r\nx -3\r\n" + grids_and_two_lines);
+    EXPECT_EQ(project.first_line_number, 1000);
+    EXPECT_EQ(project.line_number_step, 10);
+}
+
+TEST_F(project_file, file_without_sample_settings_reads_and_leaves_them_unset) {
+    read_text_as_project("Trensil Project Version 1.0\r\n1000 10\r\n" + grids_and_two_lines);
+    ASSERT_EQ(status, 0);
+    EXPECT_FALSE(project.sample_settings_present);
+    EXPECT_EQ(project.grid_files[2], "");
+    EXPECT_EQ(project.model_paths(2), "/lines/l1000.qvx");
+}
+
+TEST_F(project_file, format_failures_show_the_message) {
+    read_text_as_project("Some Other Project\r\n1000 10\r\n" + grids_and_two_lines);
+    EXPECT_EQ(status, -1);
+    read_text_as_project("Trensil Project Version 1.0\r\n1000 10\r\na\r\nb\r\nc\r\n-2\r\n");
+    EXPECT_EQ(status, -1);
+    read_text_as_project("Trensil Project Version 1.0\r\n1000 10\r\na\r\nb\r\nc\r\nmany\r\n");
+    EXPECT_EQ(status, -1);
+    EXPECT_EQ(ui.messages,
+              std::vector<std::string>(3, "The specified file does not have the corrext format"));
+}
+
+TEST_F(project_file, missing_file_fails_silently_and_short_file_reports) {
+    read_project(dir.file("none.qvj"), project, status, ui);
+    EXPECT_EQ(status, -1);
+    EXPECT_TRUE(ui.messages.empty());
+
+    read_text_as_project("Trensil Project Version 1.0\r\n1000 10\r\na\r\nb\r\nc\r\n5\r\n1\r\n");
+    EXPECT_EQ(status, -1);
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0], "An error occurred while saving the file: Input past end of file");
+}
+
+TEST_F(project_file, failed_write_keeps_old_file) {
+    write_text(path, "old project");
+    block_writes_to(path);
+    EXPECT_FALSE(write_project(path, project, ui));
+    EXPECT_EQ(read_text(path), "old project");
+    ASSERT_EQ(ui.messages.size(), 1u);
+    EXPECT_EQ(ui.messages[0], "An error occurred while saving the file: Is a directory");
+}
+
+}  // namespace
+}  // namespace trensil
