@@ -110,12 +110,44 @@ struct station_terms {
 };
 
 // Vectors from the station to the face's vertices 1..n + 1 and their lengths.
+// Per station: vectors from the station to vertices 1..n + 1 and their lengths, and for each
+// edge k the product rel(k) x rel(k + 1), its length and its unit vector. Each product serves
+// the corner angles at both ends of the edge and the edge's closeness test; b x a is exactly
+// -(a x b), so sharing them gives the same bits as working each corner out alone.
 struct station_scratch {
     std::vector<vec3> rel;
     std::vector<double> dist;
+    std::vector<double> cross_length;
+    std::vector<vec3> cross_unit;
     explicit station_scratch(int nv)
-        : rel(static_cast<std::size_t>(nv) + 2), dist(static_cast<std::size_t>(nv) + 2) {}
+        : rel(static_cast<std::size_t>(nv) + 2),
+          dist(static_cast<std::size_t>(nv) + 2),
+          cross_length(static_cast<std::size_t>(nv) + 2),
+          cross_unit(static_cast<std::size_t>(nv) + 2) {}
 };
+
+// facet_corner_angle at corner b from the unit products of its two edges: before = a x b and
+// after = b x c, normalised.
+double shared_corner_angle(const vec3& a, const vec3& c, const vec3& before, const vec3& after,
+                           const vec3& normal) {
+    const double perp = a[0] * normal[0] + a[1] * normal[1] + a[2] * normal[2];
+    if (perp == 0.0) return 0.0;
+    vec3 u, w;
+    const vec3* q = nullptr;
+    if (perp > 0.0) {
+        u = after;                                     // b x c
+        w = vec3{-before[0], -before[1], -before[2]};  // -(a x b)
+        q = &a;
+    } else {
+        u = vec3{-before[0], -before[1], -before[2]};  // b x a
+        w = after;                                     // -(c x b)
+        q = &c;
+    }
+    const double test = (*q)[0] * u[0] + (*q)[1] * u[1] + (*q)[2] * u[2];
+    const double cosine = u[0] * w[0] + u[1] * w[1] + u[2] * w[2];
+    const double angle = arc_cos(cosine);
+    return test < 0.0 ? facet_two_pi - angle : angle;
+}
 
 // Field and attraction terms of a flat face of uniform pole density at one station.
 // In: vertices and station in metres (x north, y east, z down), unit normal (l, m, n).
@@ -140,15 +172,24 @@ restart:
         s.dist[static_cast<std::size_t>(i)] = std::sqrt(a[0] * a[0] + a[1] * a[1] + a[2] * a[2]);
     }
     auto rel = [&s](int i) -> const vec3& { return s.rel[static_cast<std::size_t>(i)]; };
+    for (int k = 1; k <= nv; ++k) {
+        const vec3& a = rel(k);
+        const vec3& b = rel(k + 1);
+        double c1, c2, c3, len;
+        cross_with_length(a[0], a[1], a[2], b[0], b[1], b[2], c1, c2, c3, len);
+        s.cross_length[static_cast<std::size_t>(k)] = len;
+        s.cross_unit[static_cast<std::size_t>(k)] = vec3{c1 / len, c2 / len, c3 / len};
+    }
+    auto unit = [&s](int k) -> const vec3& { return s.cross_unit[static_cast<std::size_t>(k)]; };
     const double d = (X(1) - sx) * f.l + (Y(1) - sy) * f.m + (Z(1) - sz) * f.n;
     const double side = d >= 0.0 ? 1.0 : -1.0;
     double omega = 0.0;
     if (std::fabs(d) != 0.0) {
         double sum = 0.0;
-        int sign_out = 0;
         for (int i = 1; i <= nv - 1; ++i)
-            sum += facet_corner_angle(rel(i), rel(i + 1), rel(i + 2), normal, sign_out);
-        sum += facet_corner_angle(rel(nv), rel(1), rel(2), normal, sign_out);
+            sum += shared_corner_angle(rel(i), rel(i + 2), unit(i), unit(i + 1), normal);
+        // The closing corner at vertex 1: edges n (vertex n to n + 1 = 1) and 1.
+        sum += shared_corner_angle(rel(nv), rel(2), unit(nv), unit(1), normal);
         omega = -side * (sum - (nv - 2) * facet_pi);
     }
     double P = 0.0, Q = 0.0, R = 0.0;
@@ -157,8 +198,7 @@ restart:
         const vec3& b = rel(i + 1);
         const double r1 = s.dist[static_cast<std::size_t>(i)];
         const double r2 = s.dist[static_cast<std::size_t>(i) + 1];
-        double c1, c2, c3, clen;
-        cross_with_length(b[0], b[1], b[2], a[0], a[1], a[2], c1, c2, c3, clen);
+        const double clen = s.cross_length[static_cast<std::size_t>(i)];  // |b x a|
         const double closeness = std::sqrt(clen * clen / (r2 * r1));
         if (closeness < 0.1) {
             // Almost on the line of this edge: move the station down (and, for a level edge,

@@ -31,7 +31,8 @@ struct solid_properties {
 
 enum class polyhedron_mode : int { magnetic = 0, gravity = 1 };
 
-// Control value for self-demagnetisation; 0 is none.
+// Control value for self-demagnetisation; 0 is none. The strike-limited prism with demag set
+// takes this path too, as a solid of 12 triangles.
 inline constexpr int demag_control_on = 20;
 
 // Fills `result[0..n-1]` with one value per station of `stations`: the total-field anomaly in nT
