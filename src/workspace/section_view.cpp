@@ -5,25 +5,17 @@
 #include <cmath>
 
 #include "core/body_catalogue.h"
+#include "response/strike_frame.h"
 #include "support/number_format.h"
+#include "support/text_measure.h"
 
 namespace trensil {
 
 namespace {
-constexpr float degrees_to_radians = 0.017453292f;
-constexpr double pi = 3.14159265358979;
+constexpr float degrees_to_radian_factor = 0.017453292f;
 constexpr int circle_steps = 32;
 // More grid lines than this in one direction would hide the section; they are not drawn.
 constexpr int max_grid_lines = 10000;
-
-// Widths of codes 32 to 126 in 256ths of the font height.
-constexpr std::array<int, 95> char_width_table{
-    64,  85,  104, 128, 128, 213, 199, 85,  85,  85,  128, 144, 64,  85,  64,  71,   //
-    128, 128, 128, 128, 128, 128, 128, 128, 128, 128, 71,  71,  144, 144, 144, 114,  //
-    236, 185, 171, 171, 185, 156, 142, 185, 185, 85,  100, 185, 156, 228, 185, 185,  //
-    142, 185, 171, 142, 156, 185, 185, 242, 185, 185, 156, 85,  71,  85,  120, 128,  //
-    85,  114, 128, 114, 128, 114, 85,  128, 128, 71,  71,  128, 71,  199, 128, 128,  //
-    128, 128, 85,  104, 71,  128, 128, 185, 128, 128, 114, 123, 51,  123, 139};
 
 // Label side of a reference point: 0 off the visible axis, -1 right of the centre, +1 left.
 int label_side(const graph_control& graph, float d) {
@@ -78,21 +70,9 @@ void draw_sensor_marks(const model_record& model, graph_control& graph) {
 int station_at_distance(const profile_block& profile, float d) {
     const int n = profile.num_stations;
     if (n < 1) return 1;
-    const float* dist = profile.profile_distance.data();
-    const float* hit = std::lower_bound(dist, dist + n, d);
-    int k = static_cast<int>(hit - dist) + 1;
-    if (k > n) k = n;
+    int k = search_sorted(profile.profile_distance, 1, n, d);
     if (d < profile.profile_distance(k)) --k;
     return std::clamp(k, 1, n);
-}
-
-float text_width(const std::string& text) {
-    int sum = 0;
-    for (const char c : text) {
-        const int code = static_cast<unsigned char>(c);
-        if (code >= 32 && code <= 126) sum += char_width_table[static_cast<std::size_t>(code - 32)];
-    }
-    return static_cast<float>(sum) / 256.0f;
 }
 
 void section_vertical_seed(const model_record& model, const graph_control& graph, float& y_bottom,
@@ -147,7 +127,7 @@ void draw_section_objects(model_record& model, graph_control& graph, const secti
         body_record& b = model.body(i);
         bool outline = true;
         if (b.type != sphere_body) {
-            const float angle = b.strike.value * degrees_to_radians - p.profile_azimuth;
+            const float angle = b.strike.value * degrees_to_radian_factor - p.profile_azimuth;
             sina = std::sin(angle);
             cosa = std::cos(angle);
             // A body along the profile has no outline, and keeps the label point before it.
@@ -176,14 +156,14 @@ void draw_section_objects(model_record& model, graph_control& graph, const secti
             const float bottom = t - extent;
             const float dip = b.dip.value;
             const bool vertical = std::fabs(dip - 90.0f) < 0.1f;
-            const float tand = std::tan(dip * degrees_to_radians);
+            const float tand = std::tan(dip * degrees_to_radian_factor);
             float shift = 0.0f;
             if (!vertical) shift = std::fabs(tand) < 0.01f ? extent * 100.0f : extent / tand;
             const float aw = b.width.value / sina;
             const float xb = d + shift / sina;
 
             float x2, y2 = t, x3, y3 = bottom;
-            const float slope = b.slope.value * degrees_to_radians;
+            const float slope = b.slope.value * degrees_to_radian_factor;
             if (b.type == edge_body || b.type == sloping_step) {
                 x2 = x3 = sina > 0.0f ? dist_last : 0.0f;
             } else if (std::fabs(b.slope.value) <= 0.1f) {
@@ -206,7 +186,7 @@ void draw_section_objects(model_record& model, graph_control& graph, const secti
             const float offset = b.offset.value;
             if (length > 0.0f && length / 2.0f < std::fabs(offset)) {
                 s = offset < 0.0f ? offset + length / 2.0f : offset - length / 2.0f;
-                sz = -std::sin(b.plunge.value * degrees_to_radians) * s;
+                sz = -std::sin(b.plunge.value * degrees_to_radian_factor) * s;
                 s = s * cosa;
             }
             for (int c = 0; c < 4; ++c) {
@@ -226,7 +206,7 @@ void draw_section_objects(model_record& model, graph_control& graph, const secti
             ++drawn;
             model.body(drawn).display_index = i;
         } else if (outline && b.type == cylinder_pipe) {
-            const float step = static_cast<float>(2.0 * pi / circle_steps);
+            const float step = static_cast<float>(2.0 * pi_value / circle_steps);
             const float r = b.width.value / 2.0f;
             const float stretch = 1.0f / std::fabs(sina);
             if (labelled) {
@@ -234,7 +214,7 @@ void draw_section_objects(model_record& model, graph_control& graph, const secti
                 u = graph.font_height() / graph.y_scale();
                 const std::string& longest = burial.size() > b.name.size() ? burial : b.name;
                 side = label_side(graph, d);
-                if (side == -1) label_x = d - 2.0f * r - (text_width(longest) + 2.0f) * u;
+                if (side == -1) label_x = d - 2.0f * r - (text_width(longest, 1.0f) + 2.0f) * u;
                 if (side == 1) label_x = d + r + u;
             } else {
                 side = 0;

@@ -38,8 +38,4 @@ void draw_section_objects(model_record& model, graph_control& graph, const secti
 // the station distances, less 1 when d lies below the station found.
 int station_at_distance(const profile_block& profile, float d);
 
-// Width of a text in units of the font height, from the program's character width table
-// (256ths of the height for codes 32 to 126; other characters count 0).
-float text_width(const std::string& text);
-
 }  // namespace trensil

@@ -1,0 +1,224 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "fake_modelling_view.h"
+#include "support/memory_settings_store.h"
+#include "support/scripted_platform.h"
+#include "workspace/modelling_workspace.h"
+#include "workspace/recording_graph_control.h"
+#include "workspace_files.h"
+
+namespace trensil {
+namespace {
+
+struct workspace_fixture {
+    scripted_platform ui;
+    memory_settings_store settings;
+    fake_modelling_view view;
+    std::array<recording_graph_control, graph_count> controls;
+    recording_graph_control plan;
+    modelling_workspace ws{ui, settings};
+
+    workspace_fixture() {
+        ws.view = &view;
+        for (int i = 0; i < graph_count; ++i) ws.graphs[i] = &controls[i];
+        ws.plan = &plan;
+    }
+    std::string setting(const char* key) const {
+        return settings.get_setting("Ostrand", "Trensil", key);
+    }
+    void type(const std::string& control, const std::string& text) {
+        view.texts[control] = text;
+        model_field_changed(ws, control);
+    }
+};
+
+// Runs each test in a scratch directory so that the working directory setting has a home.
+class workspace_test : public ::testing::Test {
+protected:
+    void SetUp() override {
+        folder_ =
+            std::filesystem::temp_directory_path() /
+            ("trensil_ws_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
+             "_" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::filesystem::create_directories(folder_);
+        old_ = std::filesystem::current_path();
+        std::filesystem::current_path(folder_);
+    }
+    void TearDown() override {
+        std::filesystem::current_path(old_);
+        std::filesystem::remove_all(folder_);
+    }
+    std::filesystem::path folder_, old_;
+};
+
+TEST_F(workspace_test, first_start_keeps_defaults_and_design_size) {
+    workspace_fixture f;
+    form_load(f.ws);
+    EXPECT_EQ(f.view.text("Text_mag_intensity"), "56000");
+    EXPECT_EQ(f.view.text("Text_mag_inclination"), "-65");
+    EXPECT_EQ(f.view.width, 12000);
+    EXPECT_EQ(f.view.items["Combo_model_type"],
+              (std::vector<std::string>{"Thin Sheet", "Thick Sheet", "Cylinder/Pipe"}));
+    EXPECT_TRUE(f.ws.modeller_open);
+    EXPECT_TRUE(f.ws.form_ready);
+    EXPECT_FALSE(f.ws.updating_display);
+    EXPECT_EQ(f.controls[0].title, "Total Magnetic Intensity (black = obseved, red = modelled)");
+}
+
+TEST_F(workspace_test, settings_written_at_unload_come_back_at_load) {
+    workspace_fixture first;
+    form_load(first.ws);
+    first.view.texts["Text_mag_intensity"] = "51000";
+    first.view.texts["Text_mag_inclination"] = "-55.5";
+    first.view.texts["Text_mag_declination"] = "3";
+    first.view.checks["menu_display_axes"] = false;
+    first.view.resize_form(9000, 7000);
+    form_unload(first.ws);
+    EXPECT_FALSE(first.ws.modeller_open);
+    EXPECT_EQ(first.setting("FormSize"), "9000;7000");
+    EXPECT_EQ(first.setting("DisplayAxes"), "0");
+    EXPECT_EQ(first.setting("WorkingDirectory"), std::filesystem::current_path().string());
+
+    workspace_fixture second;
+    second.settings = first.settings;
+    form_load(second.ws);
+    EXPECT_EQ(second.view.text("Text_mag_intensity"), "51000");
+    EXPECT_FLOAT_EQ(second.ws.model.mag_inclination, -55.5f);
+    EXPECT_FLOAT_EQ(second.ws.model.mag_declination, 3.0f);
+    EXPECT_EQ(second.view.width, 9000);
+    EXPECT_EQ(second.view.height, 7000);
+    EXPECT_FALSE(second.view.checked("menu_display_axes"));
+    EXPECT_FALSE(second.controls[4].display_x_axis);
+}
+
+TEST_F(workspace_test, unusable_settings_leave_the_defaults) {
+    workspace_fixture f;
+    f.settings.save_setting("Ostrand", "Trensil", "FormSize", "");
+    f.settings.save_setting("Ostrand", "Trensil", "MagIntensity", "strong");
+    f.settings.save_setting("Ostrand", "Trensil", "WorkingDirectory", "/no/such/folder");
+    form_load(f.ws);
+    EXPECT_EQ(f.view.width, 12000);
+    EXPECT_FLOAT_EQ(f.ws.model.mag_intensity, 56000.0f);
+    EXPECT_EQ(f.view.text("Text_mag_intensity"), "56000");
+
+    // An empty intensity box stores no field texts at unload.
+    f.view.texts["Text_mag_intensity"] = "";
+    form_unload(f.ws);
+    EXPECT_EQ(f.setting("MagIntensity"), "strong");
+}
+
+TEST_F(workspace_test, opened_from_project_hides_the_data_definitions) {
+    workspace_fixture f;
+    f.ws.opened_from_project = true;
+    form_load(f.ws);
+    EXPECT_FALSE(f.view.visible("Frame_qvx_data_file_definitions"));
+    EXPECT_FALSE(f.view.enabled["menu_open_model_0"]);
+}
+
+TEST_F(workspace_test, body_defaults_store_eight_values_only) {
+    workspace_fixture f;
+    form_load(f.ws);
+    save_body_defaults(f.ws);  // no body: nothing
+    EXPECT_EQ(f.settings.size(), 0u);
+    f.ws.model.num_bodies = 1;
+    new_body_defaults(f.ws.model, 1, nullptr);
+    body_record& b = f.ws.model.body(1);
+    b.dip.value = 62.25f;
+    b.density.value = 2.8567f;
+    b.top.value = -30.0f;
+    f.ws.section.current_body = 1;
+    save_body_defaults(f.ws);
+    EXPECT_EQ(f.settings.size(), 8u);
+    EXPECT_EQ(f.setting("Dip"), "62.3");
+    EXPECT_EQ(f.setting("Density"), "2.857");
+    EXPECT_EQ(f.setting("Thick"), "100.00");
+    EXPECT_EQ(f.setting("Colour"), "16711680");
+}
+
+TEST_F(workspace_test, model_fields_follow_their_acceptance_rules) {
+    workspace_fixture f;
+    form_load(f.ws);
+    model_record& m = f.ws.model;
+    f.type("Text_MAGINV_ypos", "abc");
+    EXPECT_EQ(m.ypos, 0);  // "not used"
+    f.type("Text_MAGINV_xpos", "abc");
+    EXPECT_EQ(m.xpos, 2);  // the old column stays
+    f.type("Text_MAGINV_xpos", "4");
+    EXPECT_EQ(m.xpos, 4);
+    f.type("Text_MAGINV_nhead", "-3");
+    EXPECT_EQ(m.nhead, 0);
+    f.type("Text_MAGINV_station_spacing", "-5");
+    EXPECT_FLOAT_EQ(m.station_spacing, 0.0f);
+    EXPECT_TRUE(f.ws.model_changed);
+
+    // A change of 0.05 in the sensor offset changes nothing, not even the stored value.
+    m.profile_ready = -1;
+    f.type("Text_MAGINV_sensor_offset", "10.05");
+    EXPECT_FLOAT_EQ(m.sensor_offset, 10.0f);
+    EXPECT_EQ(m.profile_ready, -1);
+    f.type("Text_MAGINV_sensor_offset", "10.5");
+    EXPECT_FLOAT_EQ(m.sensor_offset, 10.5f);
+    EXPECT_EQ(m.profile_ready, 0);
+    f.type("Text_MAGINV_sensor_offset", "-1");
+    EXPECT_FLOAT_EQ(m.sensor_offset, 10.5f);
+
+    f.type("Text_MAGINV_basemag", "none");
+    EXPECT_FLOAT_EQ(m.basemag, undefined_value);
+    f.type("Text_MAGINV_residual", "3.7");
+    EXPECT_EQ(m.residual, 3);
+
+    // Nothing acts while the window writes its own controls.
+    f.ws.updating_display = true;
+    f.type("Text_MAGINV_xpos", "7");
+    EXPECT_EQ(m.xpos, 4);
+}
+
+TEST_F(workspace_test, reading_a_missing_or_cancelled_file) {
+    workspace_fixture f;
+    form_load(f.ws);
+    EXPECT_EQ(menu_open_model(f.ws, 0), -1);  // cancelled
+    EXPECT_TRUE(f.ui.messages.empty());
+    f.ui.file_answers.push_back(std::string("/no/such/model.qvx"));
+    EXPECT_EQ(menu_open_model(f.ws, 0), -1);
+    ASSERT_EQ(f.ui.messages.size(), 1u);
+    EXPECT_EQ(f.ui.messages[0], "That file does not exist");
+}
+
+TEST_F(workspace_test, opened_model_is_drawn_on_all_graphs) {
+    workspace_fixture f;
+    form_load(f.ws);
+    const std::string path = testing_files::write_example_model(folder_ / "lines");
+    ASSERT_EQ(open_model_file(f.ws, path), 0) << (f.ui.messages.empty() ? "" : f.ui.messages[0]);
+    EXPECT_EQ(f.view.caption, "Trensil: line_a.qvx");
+    EXPECT_EQ(f.view.tab, 1);
+    EXPECT_EQ(f.view.text("Text_number_locations"), "201");
+    EXPECT_FALSE(f.ws.model_changed);
+
+    const plot_data& mag = f.controls[0].loaded;
+    ASSERT_EQ(mag.rows(), 201);
+    ASSERT_EQ(mag.y.size(), 2u);
+    EXPECT_NEAR(mag.y[0][100] - mag.y[0][0], 50.0, 0.5);  // observed, levelled, at the bump
+    EXPECT_FALSE(std::isnan(mag.y[1][100]));              // computed
+    EXPECT_EQ(f.controls[4].polygons().size(), 2u);
+    EXPECT_NEAR(f.controls[4].xaxismin, 0.0f, 1e-3f);
+    EXPECT_NEAR(f.controls[4].xaxismax, 2000.0f, 1e-2f);
+
+    // Zoom to 200% and pan right: all graphs follow.
+    combo_zoom_selected(f.ws, 3);
+    EXPECT_NEAR(f.controls[0].xaxismax - f.controls[0].xaxismin, 1000.0f, 1e-2f);
+    EXPECT_EQ(f.view.scrolls["HScroll_pan"].max, 4);
+    hscroll_pan_changed(f.ws, 4);
+    EXPECT_NEAR(f.controls[4].xaxismax, 2000.0f, 1e-2f);
+    EXPECT_NEAR(f.controls[2].xaxismin, 1000.0f, 1e-2f);
+
+    // The plan replaces the section and draws the footprints.
+    command_show_section_or_plan(f.ws);
+    EXPECT_TRUE(f.ws.plan_shown);
+    EXPECT_EQ(f.plan.polygons().size(), 2u);
+    EXPECT_EQ(f.view.text("Command_show_section_or_plan"), "Show Section View");
+}
+
+}  // namespace
+}  // namespace trensil
