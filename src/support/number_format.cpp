@@ -40,7 +40,7 @@ std::string general_form(double value, int digits) {
     std::string out = negative ? "-" : "";
     if (exponent >= digits || exponent < smallest_plain_exponent) {
         out += mantissa[0];
-        if (count > 1) out += "." + mantissa.substr(1);
+        if (count > 1) out.append(1, '.').append(mantissa, 1);
         char exp_text[16];
         std::snprintf(exp_text, sizeof exp_text, "E%c%02d", exponent < 0 ? '-' : '+',
                       std::abs(exponent));
@@ -48,20 +48,25 @@ std::string general_form(double value, int digits) {
     } else if (exponent >= 0) {
         const int whole = exponent + 1;  // digits before the point
         if (count <= whole) {
-            out += mantissa + std::string(static_cast<std::size_t>(whole - count), '0');
+            out.append(mantissa).append(static_cast<std::size_t>(whole - count), '0');
         } else {
-            out += mantissa.substr(0, static_cast<std::size_t>(whole)) + "." +
-                   mantissa.substr(static_cast<std::size_t>(whole));
+            out.append(mantissa, 0, static_cast<std::size_t>(whole))
+                .append(1, '.')
+                .append(mantissa, static_cast<std::size_t>(whole));
         }
     } else {
-        out += "." + std::string(static_cast<std::size_t>(-exponent - 1), '0') + mantissa;
+        out.append(1, '.').append(static_cast<std::size_t>(-exponent - 1), '0').append(mantissa);
     }
     return out;
 }
 
 // A print-list item: a blank in place of a plus sign, and one blank after.
 std::string print_item(const std::string& general) {
-    return (general[0] == '-' ? general : " " + general) + " ";
+    std::string item;
+    item.reserve(general.size() + 2);
+    if (general[0] != '-') item.push_back(' ');
+    item.append(general).push_back(' ');
+    return item;
 }
 
 }  // namespace
@@ -105,8 +110,9 @@ std::string format_fixed(double value, int decimals) {
     }
     if (static_cast<int>(digits.size()) <= decimals)
         digits.insert(0, static_cast<std::size_t>(decimals + 1) - digits.size(), '0');
-    if (decimals > 0) digits.insert(digits.size() - static_cast<std::size_t>(decimals), ".");
-    return (value < 0 && scaled != 0.0 ? "-" : "") + digits;
+    if (decimals > 0) digits.insert(digits.size() - static_cast<std::size_t>(decimals), 1, '.');
+    if (value < 0 && scaled != 0.0) digits.insert(0, 1, '-');
+    return digits;
 }
 
 }  // namespace trensil
