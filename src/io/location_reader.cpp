@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstring>
 #include <exception>
+#include <limits>
+#include <stdexcept>
 #include <string_view>
 
 #include "support/text_tokens.h"
@@ -23,10 +26,14 @@ constexpr double undefined_threshold = -1e30;
 
 const char* const reader_failure = "An error occurred while reading the location file : ";
 
-// Value of a token that must be a number as a whole; false when it is not one.
-bool numeric_token(std::string_view token, double& value) {
+// Value of a token that must be a number as a whole; false when it is not one. A number too
+// large for the column that takes it is a reading error, as it would be on assignment.
+bool numeric_token(std::string_view token, bool single_precision, double& value) {
     if (!is_numeric_text(token)) return false;
     value = parse_number(token);
+    const double largest =
+        single_precision ? std::numeric_limits<float>::max() : std::numeric_limits<double>::max();
+    if (!(std::fabs(value) <= largest)) throw std::overflow_error("Overflow");
     return true;
 }
 
@@ -49,8 +56,10 @@ bool take_station(std::string& rest, int last_column, const data_definition& d, 
         const bool location_column = k == d.xpos || k == d.ypos || k == d.zpos;
         const bool other_column = k == d.dtm || k == d.magpos || k == d.gravpos;
         if (!location_column && !other_column) continue;
+        // Sensor, ground and the channels are held in single precision, x and y in double.
+        const bool single_precision = !(k == d.xpos || k == d.ypos);
         double value = 0.0;
-        if (!numeric_token(token, value)) return false;
+        if (!numeric_token(token, single_precision, value)) return false;
         // One token feeds at most one of x, y, sensor, and independently any of the others.
         if (k == d.xpos)
             v.x = value;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <exception>
+#include <stdexcept>
 #include <string>
 #include <utility>
 
@@ -116,6 +117,7 @@ void resample_profile(model_record& model) {
         model.station_spacing = static_cast<float>(length / max_resampled_intervals);
         count = std::round(length / model.station_spacing + 1.0);
     }
+    if (!(count >= 1.0 && count <= max_resampled_stations)) throw std::overflow_error("Overflow");
     const int m = static_cast<int>(count);
 
     p.allocate_stations(m);
@@ -157,7 +159,9 @@ int run_setup(model_record& model, platform& ui) {
     // more north-south than east-west.
     double dx = span_x(p, n);
     double dy = span_y(p, n);
-    if (!(std::sqrt(dx * dx + dy * dy) > 0.0)) {
+    const double length = std::sqrt(dx * dx + dy * dy);
+    if (std::isinf(length)) throw std::overflow_error("Overflow");
+    if (!(length > 0.0)) {
         ui.show_message(too_short);
         return -1;
     }
@@ -170,6 +174,9 @@ int run_setup(model_record& model, platform& ui) {
     set_profile_line(p, dx, dy);
 
     const int kept = project_stations(p, n);
+    // Coordinates far apart enough to overflow leave no usable distance.
+    if (!std::isfinite(p.profile_distance(kept)) || !std::isfinite(p.line_c))
+        throw std::overflow_error("Overflow");
     if (kept < n) {
         shrink_stations(p, kept);
         n = kept;

@@ -271,6 +271,26 @@ TEST(location_failures, missing_file_and_file_shorter_than_header) {
     EXPECT_TRUE(model.profile.location.empty());
 }
 
+TEST(location_failures, number_too_large_for_its_column_is_a_reading_error) {
+    // Found by the data fuzz target: an easting of 1e3091 read as infinity and set-up then
+    // worked with no finite distance.
+    scratch_dir dir("iodata_overflow");
+    scripted_platform ui;
+    write_all(dir.file("x.dat"), "1 2 3\r\n1e3091 11 3\r\n");
+    model_record model = model_reading(dir.file("x.dat"));
+    EXPECT_EQ(read_location_data(0, model, model.profile, {}, ui), -1);
+    EXPECT_EQ(ui.messages, std::vector<std::string>{
+                               "An error occurred while reading the location file : Overflow"});
+    // Channels are single precision: 1e39 does not fit, 1e300 does for a coordinate.
+    write_all(dir.file("m.dat"), "1e300 2 1e39\r\n");
+    model = model_reading(dir.file("m.dat"));
+    EXPECT_EQ(read_location_data(0, model, model.profile, {}, ui), -1);
+    write_all(dir.file("ok.dat"), "1e300 2 1e38\r\n");
+    model = model_reading(dir.file("ok.dat"));
+    EXPECT_EQ(read_location_data(0, model, model.profile, {}, ui), 0);
+    EXPECT_EQ(model.profile.num_stations, 1);
+}
+
 TEST(location_real_data, airborne_magnetic_line_reads_every_record) {
     // Flight line 5676: a header, then easting, northing, height and anomaly in columns 4..7.
     model_record model =

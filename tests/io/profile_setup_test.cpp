@@ -54,6 +54,15 @@ TEST(profile_orientation, coincident_ends_are_too_short_and_leave_the_arrays) {
     EXPECT_EQ(model.profile.num_stations, 3);
 }
 
+TEST(profile_orientation, ends_too_far_apart_for_a_distance_are_an_error) {
+    model_record model = model_with({{-1.5e308, 0, 0, 1}, {1.5e308, 0, 0, 2}});
+    scripted_platform ui;
+    EXPECT_EQ(setup_profile(model, ui), -1);
+    EXPECT_EQ(ui.messages, std::vector<std::string>{
+                               "An error occurred while setting up the profile coordinates : "
+                               "Overflow"});
+}
+
 TEST(profile_orientation, a_westward_line_is_reversed_with_its_channels) {
     model_record model = model_with({{300, 0, 3, 30}, {200, 0, 2, 20}, {100, 1, 1, 10}});
     scripted_platform ui;
