@@ -159,6 +159,43 @@ const parameter* property_by_row(const body_record& body, int row) {
     return property_by_row(const_cast<body_record&>(body), row);
 }
 
+const char* property_label(int row) {
+    switch (row) {
+        case row_distance:
+            return "Distance";
+        case row_strike:
+            return "Strike";
+        case row_dip:
+            return "Dip";
+        case row_top:
+            return "Top";
+        case row_depth_extent:
+            return "Depth Ext";
+        case row_width:
+            return "Width";
+        case row_length:
+            return "Length";
+        case row_susc:
+            return "Susc";
+        case row_density:
+            return "Dens";
+        case row_plunge:
+            return "Plunge";
+        case row_slope:
+            return "Slope";
+        case row_offset:
+            return "Offset";
+        case row_rem_q:
+            return "Rem Q";
+        case row_rem_i:
+            return "Rem I";
+        case row_rem_d:
+            return "Rem D";
+        default:
+            return "";
+    }
+}
+
 float parameter_step(int row, float value) {
     switch (row) {
         case row_distance:

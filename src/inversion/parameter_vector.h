@@ -38,6 +38,9 @@ enum property_row : int {
 parameter* property_by_row(body_record& body, int row);
 const parameter* property_by_row(const body_record& body, int row);
 
+// The body table's label of a property row ("Distance", "Depth Ext", "Rem Q" ...); "" for none.
+const char* property_label(int row);
+
 // The fixed step size of a property row for its current value.
 float parameter_step(int row, float value);
 
