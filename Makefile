@@ -5,7 +5,7 @@
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
 JOBS       ?= $(shell nproc)
-EXAMPLE    ?= examples/osborne/osborne_line_5676.qvx
+EXAMPLE    ?= examples/tempest/tempest_line_225401.qvx
 
 .PHONY: all deps configure build build-asan test test-release test-asan check-layers \
         check-format format run bench clean

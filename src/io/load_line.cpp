@@ -8,6 +8,17 @@
 
 namespace trensil {
 
+void load_model_data(model_record& model, std::int16_t& status, load_line_services& services) {
+    status = -1;
+    if (check_data_definition(model, services.transforms, services.ui) != 0) return;
+    if (read_location_data(0, model, model.profile, services.transforms, services.ui) != 0) return;
+    if (model.profile.num_stations < 1) return;
+    if (read_location_data(1, model, model.profile, services.transforms, services.ui) != 0) return;
+    if (setup_profile(model, services.ui) != 0) return;
+    prepare_channels(model);
+    status = 0;
+}
+
 void load_line(const std::string& path, model_record& model, const std::string& /*owner*/,
                std::int16_t& status, load_line_services& services, model_read_summary* summary) {
     status = -1;
@@ -16,15 +27,7 @@ void load_line(const std::string& path, model_record& model, const std::string& 
         std::int16_t read_status = 0;
         read_model_file(0, model, path, read_status, reader, summary);
         if (read_status != 0) return;
-        if (check_data_definition(model, services.transforms, services.ui) != 0) return;
-        if (read_location_data(0, model, model.profile, services.transforms, services.ui) != 0)
-            return;
-        if (model.profile.num_stations < 1) return;
-        if (read_location_data(1, model, model.profile, services.transforms, services.ui) != 0)
-            return;
-        if (setup_profile(model, services.ui) != 0) return;
-        prepare_channels(model);
-        status = 0;
+        load_model_data(model, status, services);
     } catch (const std::bad_alloc&) {
         services.ui.show_message("An error occurred while reading the qvx workspace file: " + path +
                                  " Error: Out of memory");

@@ -25,6 +25,10 @@ struct load_line_services {
     const settings_store* settings = nullptr;
 };
 
+// The data half of loading a line, for a model already read: checks its data definition, counts
+// and reads the data, sets up the profile and prepares the channels. `status` as for load_line.
+void load_model_data(model_record& model, std::int16_t& status, load_line_services& services);
+
 // Reads the model file (whole), checks its data definition, counts and reads the data, sets up
 // the profile and prepares the channels. `status` is 0 when the line is ready to compute, -1
 // when a step failed (the step showed why) or the data hold no station. `owner` is the file that
