@@ -1,0 +1,547 @@
+#include "modelling_window.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QFormLayout>
+#include <QFrame>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QStatusBar>
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+#include "exports/bitmap_file.h"
+#include "io/profile_data_export.h"
+#include "support/number_format.h"
+
+namespace trensil {
+
+namespace {
+QString q(const std::string& s) {
+    return QString::fromStdString(s);
+}
+
+template <class T>
+T* named(T* object, const QString& name) {
+    object->setObjectName(name);
+    return object;
+}
+
+QLineEdit* field(QFormLayout* form, const QString& name, const QString& label) {
+    auto* edit = named(new QLineEdit, name);
+    form->addRow(label, edit);
+    return edit;
+}
+
+// A vertical bar that works as a spin: one step up or down, then back to 0.
+QScrollBar* spin_bar(const QString& name) {
+    auto* bar = named(new QScrollBar(Qt::Vertical), name);
+    bar->setRange(-1, 1);
+    bar->setValue(0);
+    bar->setFixedWidth(14);
+    return bar;
+}
+}  // namespace
+
+modelling_window::modelling_window(platform& ui, settings_store& settings, bool opened_from_project,
+                                   QWidget* parent)
+    : QMainWindow(parent), ws_(ui, settings) {
+    setObjectName("Form_trensil");
+    setWindowTitle("Trensil");
+    ws_.view = this;
+    ws_.opened_from_project = opened_from_project;
+
+    build_menus();
+    auto* central = new QWidget;
+    auto* layout = new QHBoxLayout(central);
+    layout->setContentsMargins(4, 4, 4, 4);
+    layout->addWidget(build_tabs());
+    layout->addWidget(build_graphs(), 1);
+    setCentralWidget(central);
+
+    for (std::size_t i = 0; i < status_.size(); ++i) {
+        status_[i] = named(new QLabel, QString("StatusBar_panel_%1").arg(i + 1));
+        status_[i]->setMinimumWidth(i == 0 ? 220 : 90);
+        statusBar()->addWidget(status_[i], i == 0 ? 2 : 1);
+    }
+    statusBar()->setObjectName("StatusBar");
+
+    resize_timer_.setObjectName("Timer_resize");
+    resize_timer_.setSingleShot(true);
+    resize_timer_.setInterval(150);
+    connect(&resize_timer_, &QTimer::timeout, this, [this] { timer_resize(ws_); });
+
+    for (std::size_t i = 0; i < graphs_.size(); ++i) ws_.graphs[i] = graphs_[i];
+    ws_.plan = plan_;
+    resize(1280, 860);
+    form_load(ws_);
+}
+
+modelling_window::~modelling_window() = default;
+
+void modelling_window::build_menus() {
+    QMenu* file = menuBar()->addMenu("&File");
+    file->setObjectName("menu_file");
+    auto add = [this](QMenu* menu, const QString& name, const QString& caption,
+                      auto handler) -> QAction* {
+        QAction* action = menu->addAction(caption);
+        action->setObjectName(name);
+        action->setParent(this);
+        connect(action, &QAction::triggered, this, handler);
+        return action;
+    };
+    add(file, "menu_open_model_0", "Read Data Format and Model Definitions", [this] {
+        menu_open_model(ws_, 0);
+    })->setShortcut(QKeySequence::Open);
+    add(file, "menu_open_model_1", "Save Data Format and Model Definitions", [this] {
+        menu_open_model(ws_, 1);
+    })->setShortcut(QKeySequence::Save);
+    file->addSeparator();
+    add(file, "menu_open_model_3", "Read Model Defintions", [this] { menu_open_model(ws_, 3); });
+    file->addSeparator();
+    add(file, "menu_export_data", "Export Profile Data",
+        [this] { export_profile_data(ws_.model, ws_.ui); });
+    add(file, "menu_save_working_directory", "Save working directory",
+        [this] { save_working_directory(ws_); });
+    add(file, "menu_return_working_directory", "Return to working directory",
+        [this] { return_to_working_directory(ws_); });
+    file->addSeparator();
+    add(file, "menu_exit", "Exit", [this] { close(); })->setShortcut(QKeySequence::Quit);
+
+    QMenu* bodies = menuBar()->addMenu("&Bodies");
+    bodies->menuAction()->setObjectName("menu_bodies");
+    bodies->menuAction()->setParent(this);
+    add(bodies, "menu_save_body_defaults", "Save current body parameters as default",
+        [this] { save_body_defaults(ws_); });
+    QMenu* model = menuBar()->addMenu("&Model");
+    model->menuAction()->setObjectName("menu_model");
+    model->menuAction()->setParent(this);
+    add(model, "menu_reset_graph_scale", "Reset Graph Scale",
+        [this] { command_reset_graph_scale(ws_); });
+
+    QMenu* view = menuBar()->addMenu("&View");
+    view->menuAction()->setObjectName("menu_view");
+    view->menuAction()->setParent(this);
+    for (int i = 0; i < 2; ++i) {
+        QAction* mode =
+            add(view, QString("menu_view_mode_%1").arg(i), i == 0 ? "Section View" : "Plan View",
+                [this, i] { menu_view_mode(ws_, i); });
+        mode->setCheckable(true);
+    }
+    view->addSeparator();
+    QAction* axes =
+        add(view, "menu_display_axes", "Display Axes", [this] { menu_display_axes(ws_); });
+    axes->setCheckable(true);
+    axes->setChecked(true);
+    QAction* highlight = add(view, "menu_highlight_on", "Highlight Selected Body",
+                             [this] { menu_highlight_on(ws_); });
+    highlight->setCheckable(true);
+}
+
+void modelling_window::connect_field(const QString& name) {
+    auto* edit = findChild<QLineEdit*>(name);
+    if (!edit) return;
+    const std::string control = name.toStdString();
+    connect(edit, &QLineEdit::textEdited, this,
+            [this, control] { model_field_changed(ws_, control); });
+}
+
+QWidget* modelling_window::build_tabs() {
+    tabs_ = named(new QTabWidget, "Tab_model");
+    tabs_->setFixedWidth(310);
+
+    auto* definitions = new QWidget;
+    auto* dl = new QVBoxLayout(definitions);
+    auto* data_box = named(new QGroupBox("Data file"), "Frame_qvx_data_file_definitions");
+    auto* df = new QFormLayout(data_box);
+    field(df, "Text_MAGINV_data_file", "File")->setReadOnly(true);
+    field(df, "Text_MAGINV_nhead", "First data line");
+    field(df, "Text_MAGINV_nstep", "Every n-th line");
+    field(df, "Text_MAGINV_xpos", "East column");
+    field(df, "Text_MAGINV_ypos", "North column");
+    field(df, "Text_MAGINV_zpos", "Sensor column");
+    field(df, "Text_MAGINV_dtm", "Ground column");
+    field(df, "Text_MAGINV_magpos", "Magnetics column");
+    field(df, "Text_MAGINV_gravpos", "Gravity column");
+    field(df, "Text_MAGINV_station_spacing", "Station spacing");
+    field(df, "Text_number_locations", "Stations")->setReadOnly(true);
+    dl->addWidget(data_box);
+    auto* field_box = named(new QGroupBox("Earth's field and heights"), "Frame_earth_field");
+    auto* ff = new QFormLayout(field_box);
+    field(ff, "Text_mag_intensity", "Intensity (nT)");
+    field(ff, "Text_mag_inclination", "Inclination");
+    field(ff, "Text_mag_declination", "Declination");
+    field(ff, "Text_MAGINV_sensor_offset", "Sensor height");
+    field(ff, "Text_MAGINV_topo", "Topography");
+    dl->addWidget(field_box);
+    dl->addStretch();
+    tabs_->addTab(definitions, "Definitions");
+
+    auto* bodies = new QWidget;
+    auto* bl = new QVBoxLayout(bodies);
+    auto* body_box = named(new QGroupBox("Current body"), "Frame_body");
+    auto* bf = new QFormLayout(body_box);
+    auto* type = named(new QComboBox, "Combo_model_type");
+    bf->addRow("New body type", type);
+    field(bf, "Text_body_name", "Name");
+    field(bf, "Text_body_rock_type", "Rock type");
+    field(bf, "Text_body_description", "Description");
+    field(bf, "Text_Shell_Thickness", "Shell thickness");
+    field(bf, "Text_End_Thickness", "End thickness");
+    field(bf, "Text_num_sectors", "Sectors");
+    field(bf, "Text_num_segments", "Segments");
+    field(bf, "Text_max_triangle_size", "Largest triangle");
+    bl->addWidget(body_box);
+    auto* label = named(new QCheckBox("Show body label"), "Check_show_body_label");
+    connect(label, &QCheckBox::clicked, this, [this] { check_show_body_label(ws_); });
+    bl->addWidget(label);
+    bl->addWidget(named(new QGroupBox("Move body"), "Frame_move_body"));
+    auto* invert = named(new QPushButton("Perform Inversion"), "Command_invert");
+    bl->addWidget(invert);
+    auto* mf = new QFormLayout;
+    field(mf, "Text_MAGINV_misfit", "Misfit")->setReadOnly(true);
+    field(mf, "Text_MAGINV_best_misfit", "Best misfit")->setReadOnly(true);
+    bl->addLayout(mf);
+    bl->addWidget(named(new QPushButton("Restore Best Model"), "Command_restore_best"));
+    bl->addWidget(named(new QPushButton("Reject Changes"), "Command_reject_changes"));
+    bl->addStretch();
+    tabs_->addTab(bodies, "Bodies");
+
+    auto* display = new QWidget;
+    auto* xl = new QVBoxLayout(display);
+    auto* xf = new QFormLayout;
+    field(xf, "Text_profile_grid_spacing", "Profile grid spacing");
+    field(xf, "Text_depth_grid_spacing", "Depth grid spacing");
+    field(xf, "Text_finite_body_left_clip", "Finite body left clip");
+    field(xf, "Text_finite_body_right_clip", "Finite body right clip");
+    field(xf, "Text_infinite_body_length", "Infinite body length");
+    field(xf, "Text_MAGINV_residual", "Residual filter");
+    field(xf, "Text_VG_filter_step", "Gradient filter step");
+    field(xf, "Text_VG_filter_width", "Gradient filter width");
+    xl->addLayout(xf);
+    auto* total = named(new QCheckBox("Display total gradient"), "Check_display_total_gradient");
+    connect(total, &QCheckBox::clicked, this, [this] { check_display_total_gradient(ws_); });
+    xl->addWidget(total);
+    auto* aspect = named(new QCheckBox("Maintain aspect ratio"), "Check_maintain_aspect_ratio");
+    connect(aspect, &QCheckBox::clicked, this, [this] { check_maintain_aspect_ratio(ws_); });
+    xl->addWidget(aspect);
+    xl->addStretch();
+    tabs_->addTab(display, "Display");
+
+    for (QLineEdit* edit : tabs_->findChildren<QLineEdit*>()) connect_field(edit->objectName());
+    connect(tabs_, &QTabWidget::currentChanged, this, [this](int index) {
+        const int old = shown_tab_;
+        shown_tab_ = index;
+        if (!tab_model_changing(ws_, old, index)) {
+            const QSignalBlocker block(tabs_);
+            tabs_->setCurrentIndex(0);
+            shown_tab_ = 0;
+        }
+    });
+    return tabs_;
+}
+
+QWidget* modelling_window::build_graphs() {
+    auto* area = new QWidget;
+    auto* al = new QVBoxLayout(area);
+    al->setContentsMargins(0, 0, 0, 0);
+    al->setSpacing(2);
+
+    graph_stack_ = new QWidget;
+    graph_stack_->setObjectName("graph_stack");
+    auto* sl = new QVBoxLayout(graph_stack_);
+    sl->setContentsMargins(0, 0, 0, 0);
+    sl->setSpacing(2);
+    auto graph_row = [this](int i) {
+        auto* row = new QWidget;
+        auto* rl = new QHBoxLayout(row);
+        rl->setContentsMargins(0, 0, 0, 0);
+        rl->setSpacing(1);
+        graphs_[static_cast<std::size_t>(i)] =
+            named(new graph_widget, QString("zngraph_model_%1").arg(i));
+        graph_widget* g = graphs_[static_cast<std::size_t>(i)];
+        rl->addWidget(g, 1);
+        auto* bars = new QVBoxLayout;
+        QScrollBar* zoom = spin_bar(QString("VScroll_zoom_%1").arg(i));
+        QScrollBar* pan = spin_bar(QString("VScroll_pan_%1").arg(i));
+        // Up on the bar is a step up: zoom in, move the view up.
+        connect(zoom, &QScrollBar::valueChanged, this,
+                [this, i](int v) { vscroll_zoom_changed(ws_, i, -v); });
+        connect(pan, &QScrollBar::valueChanged, this,
+                [this, i](int v) { vscroll_pan_changed(ws_, i, -v); });
+        bars->addWidget(zoom, 1);
+        bars->addWidget(pan, 1);
+        rl->addLayout(bars);
+        connect(g, &graph_widget::pointer_moved, this, [this, i](bool outside, double x, double y) {
+            pointer_on_graph(i, outside, x, y);
+        });
+        if (i == section_graph) {
+            g->display_legend = true;
+            connect(g, &graph_widget::object_clicked, this, [this](int n) { pick_body(n); });
+        }
+        return row;
+    };
+    auto frame = [](const QString& name) {
+        auto* f = named(new QFrame, name);
+        auto* fl = new QVBoxLayout(f);
+        fl->setContentsMargins(0, 0, 0, 0);
+        fl->setSpacing(2);
+        return f;
+    };
+    QFrame* mag = frame("Frame_mag_profiles");
+    mag->layout()->addWidget(graph_row(0));
+    mag->layout()->addWidget(graph_row(1));
+    QFrame* grav = frame("Frame_grav_profiles");
+    grav->layout()->addWidget(graph_row(2));
+    grav->layout()->addWidget(graph_row(3));
+    QFrame* section = frame("Frame_section");
+    section->layout()->addWidget(graph_row(4));
+    sl->addWidget(mag, 2);
+    sl->addWidget(grav, 2);
+    sl->addWidget(section, 2);
+    al->addWidget(graph_stack_, 1);
+
+    QFrame* plan = frame("Frame_plan");
+    plan_ = named(new graph_widget, "zngraph_plan");
+    plan->layout()->addWidget(plan_);
+    connect(plan_, &graph_widget::object_clicked, this, [this](int n) { pick_body(n); });
+    connect(plan_, &graph_widget::pointer_moved, this, [this](bool outside, double x, double y) {
+        set_status(1, "Plan View");
+        for (int p = 2; p <= 5; ++p) set_status(p, "");
+        if (outside) return;
+        set_status(2, format_fixed(x, 1));
+        set_status(3, format_fixed(y, 1));
+        set_status(4, format_fixed(x, 2));
+        set_status(5, format_fixed(y, 2));
+    });
+    plan->hide();
+    al->addWidget(plan, 1);
+
+    auto* base = frame("Frame_base_levels");
+    auto* bl = new QHBoxLayout;
+    bl->addWidget(new QLabel("Mag base"));
+    bl->addWidget(named(new QLineEdit, "Text_MAGINV_basemag"));
+    bl->addWidget(new QLabel("Grav base"));
+    bl->addWidget(named(new QLineEdit, "Text_MAGINV_basegrav"));
+    static_cast<QVBoxLayout*>(base->layout())->addLayout(bl);
+    al->addWidget(base);
+    for (const char* name : {"Text_MAGINV_basemag", "Text_MAGINV_basegrav"}) connect_field(name);
+
+    auto* controls = new QHBoxLayout;
+    auto* pan = named(new QScrollBar(Qt::Horizontal), "HScroll_pan");
+    pan->setRange(0, 0);
+    connect(pan, &QScrollBar::valueChanged, this, [this](int v) { hscroll_pan_changed(ws_, v); });
+    controls->addWidget(pan, 1);
+    auto* zoom = named(new QComboBox, "Combo_zoom");
+    zoom->setEditable(true);
+    zoom->addItems({"100%", "125%", "150%", "200%", "300%", "400%", "600%", "800%", "1000%"});
+    connect(zoom, &QComboBox::activated, this, [this](int i) { combo_zoom_selected(ws_, i); });
+    connect(zoom->lineEdit(), &QLineEdit::textEdited, this,
+            [this](const QString& t) { combo_zoom_typed(ws_, t.toStdString()); });
+    controls->addWidget(zoom);
+    auto button = [this, controls](const QString& name, const QString& caption, auto handler) {
+        auto* b = named(new QPushButton(caption), name);
+        connect(b, &QPushButton::clicked, this, handler);
+        controls->addWidget(b);
+    };
+    button("Command_reset_graph_scale", "Reset Scale", [this] { command_reset_graph_scale(ws_); });
+    button("Command_show_section_or_plan", "Show Plan View",
+           [this] { command_show_section_or_plan(ws_); });
+    button("Command_Save_Screenshot", "Screenshot", [this] { save_screenshot(); });
+    button("Command_save_qvx_model", "Save the Model", [this] { menu_open_model(ws_, 1); });
+    al->addLayout(controls);
+    return area;
+}
+
+void modelling_window::pointer_on_graph(int index, bool outside, double x, double y) {
+    static const char* names[] = {"Residual Mag Data", "Vertical Mag Gradient",
+                                  "Residual Grav Data", "Vertical Grav Gradient"};
+    graph_widget* g = graphs_[static_cast<std::size_t>(index)];
+    if (index < section_graph) {
+        set_status(1, names[index]);
+    } else if (g->yaxismin < g->yaxismax) {
+        const double stretch = (static_cast<double>(g->height()) / g->width()) /
+                               ((g->yaxismax - g->yaxismin) / (g->xaxismax - g->xaxismin));
+        set_status(1, "Model (Vertical stretch " + format_fixed(stretch, 2));
+    }
+    if (outside) {
+        set_status(4, "");
+        set_status(5, "");
+        return;
+    }
+    set_status(4, format_fixed(x, 2));
+    set_status(5, format_fixed(y, 4));
+    const profile_block& p = ws_.model.profile;
+    if (p.num_stations > 0) {
+        const int k = station_at_distance(p, static_cast<float>(x));
+        set_status(2, format_fixed(p.location(easting_row, k), 1));
+        set_status(3, format_fixed(p.location(northing_row, k), 1));
+    }
+}
+
+void modelling_window::pick_body(int polygon) {
+    model_record& m = ws_.model;
+    if (polygon < 1 || polygon > m.num_bodies) return;
+    const int b = m.body(polygon).display_index;
+    if (b < 1 || b == ws_.section.current_body) return;
+    ws_.section.current_body = b;
+    {
+        display_guard guard(ws_);
+        set_text("Text_body_name", m.body(b).name);
+        set_text("Text_body_rock_type", m.body(b).rock_type);
+        set_text("Text_body_description", m.body(b).description);
+    }
+    display_model(ws_, 1);
+}
+
+QImage modelling_window::capture_graphs() {
+    QWidget* source = ws_.plan_shown ? static_cast<QWidget*>(plan_) : graph_stack_;
+    return source->grab().toImage().convertToFormat(QImage::Format_RGB888);
+}
+
+void modelling_window::save_screenshot() {
+    const QImage image = capture_graphs();
+    picture pic;
+    pic.width = image.width();
+    pic.height = image.height();
+    pic.rgb.resize(static_cast<std::size_t>(pic.width) * pic.height * 3);
+    for (int row = 0; row < pic.height; ++row)
+        std::copy_n(image.constScanLine(row), pic.width * 3,
+                    pic.rgb.data() + static_cast<std::size_t>(row) * pic.width * 3);
+    save_screen_capture(ws_.model, pic, ws_.plan_shown, ws_.ui);
+}
+
+void modelling_window::unload() {
+    if (unloaded_) return;
+    unloaded_ = true;
+    form_unload(ws_);
+}
+
+void modelling_window::closeEvent(QCloseEvent* event) {
+    unload();
+    event->accept();
+}
+
+void modelling_window::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    if (isMinimized() || ws_.updating_display || !ws_.form_ready) return;
+    resize_timer_.start();
+}
+
+QObject* modelling_window::control(const std::string& name) const {
+    return findChild<QObject*>(q(name));
+}
+
+void modelling_window::set_text(const std::string& name, const std::string& text) {
+    QObject* c = control(name);
+    const QSignalBlocker block(c);
+    if (auto* e = qobject_cast<QLineEdit*>(c))
+        e->setText(q(text));
+    else if (auto* l = qobject_cast<QLabel*>(c))
+        l->setText(q(text));
+    else if (auto* b = qobject_cast<QAbstractButton*>(c))
+        b->setText(q(text));
+    else if (auto* a = qobject_cast<QAction*>(c))
+        a->setText(q(text));
+}
+
+std::string modelling_window::text(const std::string& name) const {
+    QObject* c = control(name);
+    if (auto* e = qobject_cast<QLineEdit*>(c)) return e->text().toStdString();
+    if (auto* l = qobject_cast<QLabel*>(c)) return l->text().toStdString();
+    if (auto* b = qobject_cast<QAbstractButton*>(c)) return b->text().toStdString();
+    if (auto* a = qobject_cast<QAction*>(c)) return a->text().toStdString();
+    if (auto* cb = qobject_cast<QComboBox*>(c)) return cb->currentText().toStdString();
+    return {};
+}
+
+void modelling_window::set_checked(const std::string& name, bool on) {
+    QObject* c = control(name);
+    const QSignalBlocker block(c);
+    if (auto* b = qobject_cast<QAbstractButton*>(c)) b->setChecked(on);
+    if (auto* a = qobject_cast<QAction*>(c)) a->setChecked(on);
+}
+
+bool modelling_window::checked(const std::string& name) const {
+    QObject* c = control(name);
+    if (auto* b = qobject_cast<QAbstractButton*>(c)) return b->isChecked();
+    if (auto* a = qobject_cast<QAction*>(c)) return a->isChecked();
+    return false;
+}
+
+void modelling_window::set_enabled(const std::string& name, bool on) {
+    QObject* c = control(name);
+    if (auto* w = qobject_cast<QWidget*>(c)) w->setEnabled(on);
+    if (auto* a = qobject_cast<QAction*>(c)) a->setEnabled(on);
+}
+
+void modelling_window::set_visible(const std::string& name, bool on) {
+    QObject* c = control(name);
+    if (auto* w = qobject_cast<QWidget*>(c)) w->setVisible(on);
+    if (auto* a = qobject_cast<QAction*>(c)) a->setVisible(on);
+}
+
+bool modelling_window::visible(const std::string& name) const {
+    QObject* c = control(name);
+    if (auto* w = qobject_cast<QWidget*>(c)) return !w->isHidden();
+    if (auto* a = qobject_cast<QAction*>(c)) return a->isVisible();
+    return false;
+}
+
+void modelling_window::set_scroll(const std::string& name, int value, int min, int max) {
+    auto* bar = qobject_cast<QScrollBar*>(control(name));
+    if (!bar) return;
+    const QSignalBlocker block(bar);
+    if (name.rfind("VScroll", 0) == 0) {
+        bar->setValue(0);
+        return;
+    }
+    bar->setRange(min, max);
+    bar->setValue(value);
+}
+
+void modelling_window::set_items(const std::string& name, const std::vector<std::string>& items) {
+    auto* combo = qobject_cast<QComboBox*>(control(name));
+    if (!combo) return;
+    const QSignalBlocker block(combo);
+    combo->clear();
+    for (const std::string& item : items) combo->addItem(q(item));
+}
+
+void modelling_window::select_item(const std::string& name, int index) {
+    auto* combo = qobject_cast<QComboBox*>(control(name));
+    if (!combo) return;
+    const QSignalBlocker block(combo);
+    combo->setCurrentIndex(index);
+}
+
+void modelling_window::select_tab(int index) {
+    const QSignalBlocker block(tabs_);
+    tabs_->setCurrentIndex(index);
+    shown_tab_ = index;
+}
+
+int modelling_window::current_tab() const {
+    return tabs_->currentIndex();
+}
+
+void modelling_window::set_status(int panel, const std::string& text) {
+    if (panel >= 1 && panel <= 6) status_[static_cast<std::size_t>(panel - 1)]->setText(q(text));
+}
+
+void modelling_window::set_caption(const std::string& caption) {
+    setWindowTitle(q(caption));
+}
+
+void modelling_window::resize_form(int width, int height) {
+    resize(width, height);
+}
+
+}  // namespace trensil

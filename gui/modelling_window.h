@@ -1,0 +1,81 @@
+// The modelling window: the tabs of model-wide fields, the four response graphs and the section
+// (or the plan) on one distance axis, the zoom and pan bars, the menus and the status bar. Every
+// control carries its name as its object name; events go to the window's logic in
+// workspace/modelling_workspace.h, which talks back through the modelling_view operations.
+#pragma once
+
+#include <QImage>
+#include <QMainWindow>
+#include <QTimer>
+#include <array>
+
+#include "graph_widget.h"
+#include "qt_platform.h"
+#include "workspace/modelling_workspace.h"
+
+class QTabWidget;
+class QLabel;
+
+namespace trensil {
+
+class modelling_window : public QMainWindow, public modelling_view {
+    Q_OBJECT
+public:
+    modelling_window(platform& ui, settings_store& settings, bool opened_from_project = false,
+                     QWidget* parent = nullptr);
+    ~modelling_window() override;
+
+    modelling_workspace& workspace() { return ws_; }
+    graph_widget* graph(int index) { return graphs_[static_cast<std::size_t>(index)]; }
+    graph_widget* plan_graph() { return plan_; }
+    // The graphs as shown: the section's stack of graphs, or the plan.
+    QImage capture_graphs();
+    // Writes the capture beside the model and puts it on the clipboard.
+    void save_screenshot();
+    // Stores the settings as the window's closing does.
+    void unload();
+
+    // modelling_view
+    void set_text(const std::string& control, const std::string& text) override;
+    std::string text(const std::string& control) const override;
+    void set_checked(const std::string& control, bool checked) override;
+    bool checked(const std::string& control) const override;
+    void set_enabled(const std::string& control, bool enabled) override;
+    void set_visible(const std::string& control, bool visible) override;
+    bool visible(const std::string& control) const override;
+    void set_scroll(const std::string& control, int value, int min, int max) override;
+    void set_items(const std::string& control, const std::vector<std::string>& items) override;
+    void select_item(const std::string& control, int index) override;
+    void select_tab(int index) override;
+    int current_tab() const override;
+    void set_status(int panel, const std::string& text) override;
+    void set_caption(const std::string& caption) override;
+    void resize_form(int width, int height) override;
+    int form_width() const override { return QMainWindow::width(); }
+    int form_height() const override { return QMainWindow::height(); }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    QObject* control(const std::string& name) const;
+    void build_menus();
+    QWidget* build_tabs();
+    QWidget* build_graphs();
+    void connect_field(const QString& name);
+    void pointer_on_graph(int index, bool outside, double x, double y);
+    void pick_body(int polygon);
+
+    modelling_workspace ws_;
+    std::array<graph_widget*, graph_count> graphs_{};
+    graph_widget* plan_ = nullptr;
+    QWidget* graph_stack_ = nullptr;
+    QTabWidget* tabs_ = nullptr;
+    int shown_tab_ = 0;
+    std::array<QLabel*, 6> status_{};
+    QTimer resize_timer_;
+    bool unloaded_ = false;
+};
+
+}  // namespace trensil
