@@ -159,6 +159,21 @@ TEST(coordinate_descent, parameter_at_its_max_cannot_leave_it) {
     EXPECT_EQ(t.state.iterations_done, 1);
 }
 
+// The lower stop is tested against the value the probe left, x0 + delta, so it fires only when
+// delta is within 0.0001 of the limit; a parameter sitting at its lower limit is in practice not
+// refused a move up, and may move away from the limit into the fit.
+TEST(coordinate_descent, lower_stop_reads_the_probed_value_so_a_parameter_at_its_min_moves_up) {
+    toy_setup t;
+    make_flat_model(t.model, 41, 1);
+    t.model.body(1).distance.value = 200.0f;
+    observe_with(t, [](body_record& b) { b.susc.value = 60000.0f; });
+    free_only(t.model, {&body_record::susc});
+    t.model.body(1).susc.min = 50000.0f;  // the value sits at its lower limit
+    int status = 0;
+    run_whole_model(t, inversion_mode_magnetics, 3, status);
+    EXPECT_FLOAT_EQ(t.model.body(1).susc.value, 50750.0f);  // three steps of 250 upward
+}
+
 TEST(coordinate_descent, recovers_a_shifted_body_and_recomputes_one_body_per_evaluation) {
     toy_setup t;
     make_flat_model(t.model, 61, 5);  // 0..600 m
