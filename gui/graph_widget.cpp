@@ -127,7 +127,9 @@ QRectF graph_widget::plot_rect() const {
     const double title_h = title.empty() ? 4.0 : fm.height() + 6.0;
     const double left = display_y_axis ? fm.horizontalAdvance("-0000000.0") + 8.0 : 6.0;
     const double bottom = display_x_axis ? fm.height() + 10.0 : 6.0;
-    QRectF r(left, title_h, std::max(10.0, QWidget::width() - left - 12.0),
+    // Room on the right for half of the last distance label.
+    const double right = display_x_axis ? fm.horizontalAdvance("000000") / 2.0 + 6.0 : 6.0;
+    QRectF r(left, title_h, std::max(10.0, QWidget::width() - left - right),
              std::max(10.0, QWidget::height() - title_h - bottom));
     if (equal_scales) {
         double x0, x1, y0, y1;
