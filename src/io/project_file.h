@@ -46,7 +46,7 @@ struct project_definition {
 };
 
 // Largest line count the reader accepts; a larger count is a run-time error.
-inline constexpr int max_project_lines = 100000;
+inline constexpr int max_project_lines = 20000;
 
 // Reads the project file. `status` -1 when the file does not exist, when it is not a project
 // file ("The specified file does not have the corrext format", shown), or after a run-time error

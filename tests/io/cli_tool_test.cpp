@@ -1,0 +1,207 @@
+// The batch tool run as a program: compute on the bundled example agrees with the engine, and
+// every bad input ends with exit status 1 and one line on standard error.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <sstream>
+
+#include "core/model_record.h"
+#include "io/coordinate_transform.h"
+#include "io/load_line.h"
+#include "io/model_file_reader.h"
+#include "model_test_files.h"
+#include "response/response_driver.h"
+#include "support/paths.h"
+#include "support/scripted_platform.h"
+#include "support/text_tokens.h"
+
+namespace trensil {
+namespace {
+
+using model_testing::data_path;
+using model_testing::read_text;
+using model_testing::scratch_folder;
+using model_testing::write_text;
+
+const std::string cli_path = std::string(TRENSIL_BINARY_DIR) + "/bin/trensil-cli";
+const std::string example_model =
+    std::string(TRENSIL_SOURCE_DIR) + "/examples/tempest/tempest_line_225401.qvx";
+
+struct cli_run {
+    int status = -1;
+    std::string out;
+    std::string err;
+    int error_lines() const {
+        int lines = 0;
+        for (char c : err) lines += c == '\n';
+        return lines;
+    }
+};
+
+struct cli_tool : ::testing::Test {
+    scratch_folder dir{"cli"};
+
+    void SetUp() override {
+        if (!file_exists(cli_path)) GTEST_SKIP() << "trensil-cli is not built";
+    }
+    cli_run run(const std::string& arguments) {
+        const std::string command = "'" + cli_path + "' " + arguments + " >'" + dir.file("out") +
+                                    "' 2>'" + dir.file("err") + "'";
+        cli_run r;
+        const int raw = std::system(command.c_str());
+        r.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+        r.out = read_text(dir.file("out"));
+        r.err = read_text(dir.file("err"));
+        return r;
+    }
+    std::string q(const std::string& path) { return "'" + path + "'"; }
+};
+
+std::vector<std::string> csv_fields(std::string line) {
+    std::vector<std::string> fields;
+    std::stringstream s(line);
+    std::string f;
+    while (std::getline(s, f, ',')) fields.push_back(trim_text(f));
+    return fields;
+}
+
+TEST_F(cli_tool, compute_on_the_example_writes_the_engine_response) {
+    const std::string out = dir.file("example.csv");
+    const cli_run r = run("compute " + q(example_model) + " -o " + q(out));
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_EQ(r.out.substr(0, 30), "stations 2001, bodies 2, magne");
+
+    // The same model loaded and computed here.
+    scripted_platform ui;
+    file_search_state search;
+    transform_state transforms;
+    load_line_services services{ui, search, transforms, nullptr};
+    model_record model;
+    reset_model(model);
+    std::int16_t status = 99;
+    load_line(example_model, model, "", status, services);
+    ASSERT_EQ(status, 0);
+    response_state state;
+    calculate_display_channels(model, state);
+
+    std::stringstream csv(read_text(out));
+    std::string line;
+    std::getline(csv, line);
+    std::getline(csv, line);
+    const std::vector<std::string> head = csv_fields(line);
+    ASSERT_EQ(head.size(), 11u);
+    EXPECT_EQ(head[8], "TMI_Mod");
+    int station = 0;
+    while (std::getline(csv, line) && !trim_text(line).empty()) {
+        ++station;
+        const std::vector<std::string> f = csv_fields(line);
+        ASSERT_EQ(f.size(), 11u);
+        EXPECT_NEAR(parse_number(f[3]), model.profile.profile_distance(station), 0.051);
+        EXPECT_NEAR(parse_number(f[8]), model.profile.mag_channels(computed_raw, station), 5e-5);
+        EXPECT_NEAR(parse_number(f[9]), model.profile.mag_channels(computed_level, station), 5e-5);
+    }
+    EXPECT_EQ(station, 2001);
+}
+
+TEST_F(cli_tool, compute_refuses_to_overwrite_without_force) {
+    const std::string out = dir.file("exists.csv");
+    write_text(out, "keep");
+    cli_run r = run("compute " + q(example_model) + " -o " + q(out));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_EQ(r.error_lines(), 1);
+    EXPECT_EQ(read_text(out), "keep");
+    r = run("compute " + q(example_model) + " -o " + q(out) + " --force");
+    EXPECT_EQ(r.status, 0) << r.err;
+    EXPECT_NE(read_text(out), "keep");
+}
+
+TEST_F(cli_tool, bad_model_files_fail_with_one_line) {
+    const std::string model = read_text(example_model);
+    const std::string data = std::string(TRENSIL_SOURCE_DIR) + "/examples/tempest/line_225401.csv";
+    write_text(dir.file("empty.qvx"), "");
+    write_text(dir.file("binary.qvx"), std::string("\x7f"
+                                                   "ELF\x02\x01\x01\0\0\0\0",
+                                                   11) +
+                                           model);
+    write_text(dir.file("truncated.qvx"), data + "\r\n" + model.substr(model.find('\n') + 1, 200));
+    for (const char* name : {"missing.qvx", "empty.qvx", "binary.qvx", "truncated.qvx"}) {
+        SCOPED_TRACE(name);
+        const cli_run r = run("compute " + q(dir.file(name)) + " -o " + q(dir.file("o.csv")));
+        EXPECT_EQ(r.status, 1);
+        EXPECT_EQ(r.error_lines(), 1) << r.err;
+        EXPECT_NE(r.err.find(name), std::string::npos) << r.err;
+        EXPECT_FALSE(file_exists(dir.file("o.csv")));
+    }
+}
+
+TEST_F(cli_tool, bad_data_files_fail_with_one_line_and_data_option_replaces_them) {
+    const std::string model = read_text(example_model);
+    const std::string body = model.substr(model.find('\n'));
+    const std::string data =
+        read_text(std::string(TRENSIL_SOURCE_DIR) + "/examples/tempest/line_225401.csv");
+    write_text(dir.file("empty.csv"), "");
+    write_text(dir.file("binary.csv"), std::string("\0\0\x01\x02\xff", 5) + data);
+    write_text(dir.file("truncated.csv"), data.substr(0, 1000));
+    write_text(dir.file("heading_only.csv"), data.substr(0, data.find('\n') + 1));
+    write_text(dir.file("short.csv"), data.substr(0, data.find('\n', 20000) + 1));
+    for (const char* name :
+         {"gone.csv", "empty.csv", "binary.csv", "truncated.csv", "heading_only.csv"}) {
+        SCOPED_TRACE(name);
+        write_text(dir.file("m.qvx"), dir.file(name) + body);
+        const cli_run r = run("compute " + q(dir.file("m.qvx")) + " -o " + q(dir.file("o.csv")));
+        EXPECT_EQ(r.status, 1);
+        EXPECT_EQ(r.error_lines(), 1) << r.err;
+        EXPECT_NE(r.err.find(name), std::string::npos) << r.err;
+        // The data file given on the command line takes the place of the one named.
+        const cli_run with_data = run("compute " + q(dir.file("m.qvx")) + " --force --data " +
+                                      q(dir.file("short.csv")) + " -o " + q(dir.file("o.csv")));
+        EXPECT_EQ(with_data.status, 0) << with_data.err;
+    }
+}
+
+TEST_F(cli_tool, usage_errors_exit_with_2_and_help_with_0) {
+    EXPECT_EQ(run("compute").status, 2);
+    EXPECT_EQ(run("compute a.qvx --bogus").status, 2);
+    EXPECT_EQ(run("compute a.qvx -o").status, 2);
+    EXPECT_EQ(run("convert a.qvx").status, 2);
+    EXPECT_EQ(run("info").status, 2);
+    for (const char* command : {"compute", "convert", "info"}) {
+        const cli_run r = run(std::string(command) + " --help");
+        EXPECT_EQ(r.status, 0);
+        EXPECT_NE(r.out.find(std::string("usage: trensil-cli ") + command), std::string::npos);
+    }
+}
+
+TEST_F(cli_tool, convert_writes_the_current_version_and_info_lists_bodies) {
+    const std::string out = dir.file("v5_now.qvx");
+    cli_run r = run("convert " + q(data_path("model_v5.qvx")) + " -o " + q(out));
+    ASSERT_EQ(r.status, 0) << r.err;
+    const std::string text = read_text(out);
+    EXPECT_NE(text.find("\r\n 2  7  400  0  0 \r\n"), std::string::npos) << text;
+
+    scripted_platform ui;
+    file_search_state search;
+    model_file_services services{ui, search, nullptr};
+    model_record old_model, new_model;
+    reset_model(old_model);
+    reset_model(new_model);
+    std::int16_t status = 99;
+    read_model_file(0, old_model, data_path("model_v5.qvx"), status, services);
+    model_read_summary summary;
+    read_model_file(0, new_model, out, status, services, &summary);
+    EXPECT_EQ(summary.format_version, 7);
+    EXPECT_EQ(new_model.body(1).rem_q.value, old_model.body(1).rem_q.value);  // converted once
+    EXPECT_EQ(new_model.body(2).name, "0 South dyke");
+
+    r = run("info " + q(out));
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_NE(r.out.find("  1  Thin Sheet  100  10  20  400  15  75  1000  2.9  North dyke\n"),
+              std::string::npos)
+        << r.out;
+    EXPECT_NE(r.out.find("field           50000 nT, inclination -60, declination 5"),
+              std::string::npos);
+}
+
+}  // namespace
+}  // namespace trensil
