@@ -101,6 +101,18 @@ void BM_read_location_counting_pass(benchmark::State& state) {
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * data_bytes));
 }
 
+// Counting only (a mode below 0): the reading without the arrays the counting pass allocates.
+void BM_read_location_count_only(benchmark::State& state) {
+    scripted_platform ui;
+    transform_state transforms;
+    model_record model = bench_model();
+    for (auto _ : state) {
+        read_location_data(-1, model, model.profile, transforms, ui);
+        benchmark::DoNotOptimize(model.profile.num_stations);
+    }
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * data_bytes));
+}
+
 void BM_read_location_storing_pass(benchmark::State& state) {
     scripted_platform ui;
     transform_state transforms;
@@ -117,6 +129,7 @@ void BM_read_location_storing_pass(benchmark::State& state) {
 BENCHMARK(BM_line_count_getline)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 BENCHMARK(BM_line_count_memchr)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 BENCHMARK(BM_read_location_counting_pass)->Unit(benchmark::kMillisecond)->MinTime(2.0);
+BENCHMARK(BM_read_location_count_only)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 BENCHMARK(BM_read_location_storing_pass)->Unit(benchmark::kMillisecond)->MinTime(2.0);
 
 }  // namespace

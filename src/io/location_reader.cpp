@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <exception>
 #include <limits>
@@ -26,11 +27,106 @@ constexpr double undefined_threshold = -1e30;
 
 const char* const reader_failure = "An error occurred while reading the location file : ";
 
-// Value of a token that must be a number as a whole; false when it is not one. A number too
-// large for the column that takes it is a reading error, as it would be on assignment.
+bool is_blank(char c) {
+    return c == ' ' || c == '\t';
+}
+bool is_separator(char c) {
+    return c == ' ' || c == '\t' || c == ',';
+}
+bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// Takes the next word off `rest` exactly as take_word does on a string, without copying: blanks
+// before it are skipped, a comma where a word should begin closes an empty word, and after the
+// word its separator run (blanks, tabs and at most one comma) goes with it.
+std::string_view next_word(std::string_view& rest) {
+    std::size_t start = 0;
+    while (start < rest.size() && is_blank(rest[start])) ++start;
+    if (start < rest.size() && rest[start] == ',') {
+        std::size_t after = start + 1;
+        while (after < rest.size() && is_blank(rest[after])) ++after;
+        rest.remove_prefix(after);
+        return {};
+    }
+    std::size_t end = start;
+    while (end < rest.size() && !is_separator(rest[end])) ++end;
+    const std::string_view word = rest.substr(start, end - start);
+    bool comma_seen = false;
+    while (end < rest.size() && is_separator(rest[end])) {
+        if (rest[end] == ',') {
+            if (comma_seen) break;
+            comma_seen = true;
+        }
+        ++end;
+    }
+    rest.remove_prefix(end);
+    return word;
+}
+
+// True when the whole word is one number (sign, digits, point, exponent with e, E, d or D), the
+// words that is_numeric_text accepts.
+bool is_number_word(std::string_view s) {
+    std::size_t i = 0;
+    if (i < s.size() && (s[i] == '+' || s[i] == '-')) ++i;
+    std::size_t digits = 0;
+    while (i < s.size() && is_digit(s[i])) ++i, ++digits;
+    if (i < s.size() && s[i] == '.') {
+        ++i;
+        while (i < s.size() && is_digit(s[i])) ++i, ++digits;
+    }
+    if (digits == 0) return false;
+    if (i < s.size() && (s[i] == 'e' || s[i] == 'E' || s[i] == 'd' || s[i] == 'D')) {
+        std::size_t j = i + 1;
+        if (j < s.size() && (s[j] == '+' || s[j] == '-')) ++j;
+        if (j < s.size() && is_digit(s[j])) {
+            while (j < s.size() && is_digit(s[j])) ++j;
+            i = j;
+        }
+    }
+    return i == s.size();
+}
+
+// Plain decimals ("-448428.44", "350", ".5") of up to 15 digits: the digits form an exact
+// integer and the power of ten is exact, so one division gives the correctly rounded value,
+// the same as a full conversion. False for anything else.
+bool plain_decimal(std::string_view s, double& value) {
+    static constexpr double powers_of_ten[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                               1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    std::size_t i = 0;
+    const bool negative = !s.empty() && s[0] == '-';
+    if (negative) ++i;
+    std::uint64_t digits = 0;
+    int count = 0;
+    int decimals = 0;
+    bool point = false;
+    for (; i < s.size(); ++i) {
+        const char c = s[i];
+        if (is_digit(c)) {
+            digits = digits * 10 + static_cast<std::uint64_t>(c - '0');
+            ++count;
+            if (point) ++decimals;
+        } else if (c == '.' && !point) {
+            point = true;
+        } else {
+            return false;
+        }
+    }
+    if (count == 0 || count > 15) return false;
+    value = static_cast<double>(digits) / powers_of_ten[decimals];
+    if (negative) value = -value;
+    return true;
+}
+
+// Value of a word that must be a number as a whole; false when it is not one. Plain decimals
+// are converted directly; everything else (an exponent, a plus sign, long digit strings, text)
+// is judged by the full rule and converted by parse_number. A number too large for the column
+// that takes it is a reading error, as it would be on assignment.
 bool numeric_token(std::string_view token, bool single_precision, double& value) {
-    if (!is_numeric_text(token)) return false;
-    value = parse_number(token);
+    if (!plain_decimal(token, value)) {
+        if (!is_number_word(token)) return false;
+        value = parse_number(token);
+    }
     const double largest =
         single_precision ? std::numeric_limits<float>::max() : std::numeric_limits<double>::max();
     if (!(std::fabs(value) <= largest)) throw std::overflow_error("Overflow");
@@ -50,9 +146,10 @@ struct station_values {
 
 // Takes the used columns from the words of `rest` into `v`; false when a used column is not
 // numeric, in which case the values taken before it stay.
-bool take_station(std::string& rest, int last_column, const data_definition& d, station_values& v) {
+bool take_station(std::string_view rest, int last_column, const data_definition& d,
+                  station_values& v) {
     for (int k = 1; k <= last_column && !rest.empty(); ++k) {
-        const std::string token = take_word(rest);
+        const std::string_view token = next_word(rest);
         const bool location_column = k == d.xpos || k == d.ypos || k == d.zpos;
         const bool other_column = k == d.dtm || k == d.magpos || k == d.gravpos;
         if (!location_column && !other_column) continue;
@@ -108,6 +205,18 @@ void store_station(profile_block& b, int i, const station_values& v) {
     b.location(ground_row, i) = v.ground;
     b.mag_channels(observed_raw, i) = static_cast<float>(v.mag);
     b.grav_channels(observed_raw, i) = static_cast<float>(v.grav);
+}
+
+// True when all eight bytes at `p` lie in 32..126: no byte below 32 and none above 126, tested
+// on a whole word at once.
+bool all_printable(const char* p) {
+    constexpr std::uint64_t ones = 0x0101010101010101ull;
+    constexpr std::uint64_t highs = 0x8080808080808080ull;
+    std::uint64_t x;
+    std::memcpy(&x, p, sizeof x);
+    const std::uint64_t below_32 = (x - ones * 32) & ~x & highs;
+    const std::uint64_t above_126 = ((x + ones * (127 - 126)) | x) & highs;
+    return (below_32 | above_126) == 0;
 }
 
 }  // namespace
@@ -172,12 +281,26 @@ void location_line_reader::read_line(std::string& line) {
             while (p < end && *p != '\r' && *p != '\n') ++p;
             line.append(begin, p);
         } else {
-            for (; p < end && *p != '\r' && *p != '\n'; ++p) {
+            // Printable characters (32..126) pass eight at a time, then one at a time; the rest
+            // are looked at.
+            bool plain = true;  // nothing to map or drop
+            while (end - p >= 8 && all_printable(p)) p += 8;
+            for (; p < end; ++p) {
                 const auto c = static_cast<unsigned char>(*p);
-                if (c == '\t')
-                    line.push_back(' ');
-                else if (c >= 32 && c < 127)
-                    line.push_back(static_cast<char>(c));
+                if (static_cast<unsigned char>(c - 32) < 95) continue;
+                if (c == '\r' || c == '\n') break;
+                plain = false;
+            }
+            if (plain) {
+                line.append(begin, p);
+            } else {
+                for (const char* q = begin; q < p; ++q) {
+                    const auto c = static_cast<unsigned char>(*q);
+                    if (c == '\t')
+                        line.push_back(' ');
+                    else if (c >= 32 && c < 127)
+                        line.push_back(static_cast<char>(c));
+                }
             }
         }
         buffer_pos_ += static_cast<std::size_t>(p - begin);
@@ -247,7 +370,14 @@ int read_location_data(int mode, const data_definition& definition, profile_bloc
 
         if (mode == 0) {
             block.num_stations = count;
-            if (count >= 1) block.allocate_stations(count);
+            if (count >= 1) {
+                // The arrays the storing pass fills; profile set-up sizes the rest.
+                block.station_capacity = count;
+                block.location.resize(0, 4, 1, count);
+                block.mag_channels.resize(1, 10, 1, count);
+                block.grav_channels.resize(1, 10, 1, count);
+                block.profile_distance.resize(1, count);
+            }
         } else if (mode < 0) {
             block.num_stations = count;
         }

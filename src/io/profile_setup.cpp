@@ -60,6 +60,8 @@ double span_y(const profile_block& p, int n) {
 // Keeps the stations that advance beyond every earlier one along the line, packed to the front;
 // returns how many there are. profile_distance gets their distances from the first station.
 int project_stations(profile_block& p, int n) {
+    if (p.profile_distance.lo() != 1 || p.profile_distance.hi() != n)
+        p.profile_distance.resize(1, n);
     const double x1 = p.location(easting_row, 1);
     const double y1 = p.location(northing_row, 1);
     p.profile_distance(1) = 0.0f;

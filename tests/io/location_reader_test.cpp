@@ -6,6 +6,7 @@
 #include "data_intake_files.h"
 #include "io/location_reader.h"
 #include "support/scripted_platform.h"
+#include "support/text_tokens.h"
 #include "test_paths.h"
 
 namespace trensil {
@@ -179,6 +180,56 @@ TEST(location_columns, comma_separated_columns_keep_their_places) {
     EXPECT_EQ(r.model.profile.mag_channels(observed_raw, 1), 100.0f);
 }
 
+TEST(location_columns, words_and_numbers_follow_the_shared_text_rules) {
+    // The reader splits and converts lines without copying words; what it reads must be what
+    // take_word, is_numeric_text and parse_number make of the same line.
+    const std::vector<std::string> lines = {"1 2 3",
+                                            " 1.5,\t-2.25 , 3e2",
+                                            "+4 .5 -.5",
+                                            "1,,3",
+                                            ",2,3",
+                                            "7 8 9,",
+                                            "1e 2 3",
+                                            "1d2 2.5D-1 3",
+                                            "-0 00012 3.",
+                                            "12345678901234567 2 3",
+                                            "0.1 0.2 0.30000000000000004",
+                                            "1,, ,3",
+                                            "5 6 7x",
+                                            "- 1 2",
+                                            "1 2 3 4 5",
+                                            "9.999999999999999e22 1 1"};
+    for (const std::string& text : lines) {
+        // Expected: the first three words, each numeric, or the line is not a station.
+        std::string rest = text;
+        std::vector<double> expected;
+        bool station = true;
+        for (int k = 0; k < 3 && !rest.empty(); ++k) {
+            const std::string word = take_word(rest);
+            if (!is_numeric_text(word)) {
+                station = false;
+                break;
+            }
+            expected.push_back(parse_number(word));
+        }
+        scratch_dir dir("iodata_words");
+        write_all(dir.file("a.dat"), text + "\r\n");
+        scripted_platform ui;
+        read_result r = read_both(model_reading(dir.file("a.dat")), ui);
+        ASSERT_EQ(r.model.profile.num_stations, station ? 1 : 0) << text;
+        if (!station) continue;
+        const profile_block& p = r.model.profile;
+        const double read[3] = {p.location(easting_row, 1), p.location(northing_row, 1),
+                                p.mag_channels(observed_raw, 1)};
+        for (std::size_t k = 0; k < expected.size(); ++k) {
+            if (k < 2)
+                EXPECT_EQ(read[k], expected[k]) << text << " column " << k + 1;
+            else
+                EXPECT_EQ(read[k], static_cast<float>(expected[k])) << text;
+        }
+    }
+}
+
 TEST(location_ranges, counting_pass_sets_ranges_from_first_station_and_widens) {
     scratch_dir dir("iodata_ranges");
     write_all(dir.file("a.dat"), "5 50 1 7\r\n3 70 2 6\r\n9 60 3 8\r\n");
@@ -231,7 +282,7 @@ TEST(location_ranges, columns_never_read_are_reported_in_order) {
 
 TEST(location_transform, active_program_transform_moves_x_y_and_sensor_only) {
     scratch_dir dir("iodata_transform");
-    write_all(dir.file("a.dat"), "10 20 30 40 50\r\n");
+    write_all(dir.file("a.dat"), "10 20 30 40 50\r\n11 21\r\n");
     model_record model = model_reading(dir.file("a.dat"));
     model.zpos = 3;
     model.dtm = 4;
@@ -249,6 +300,9 @@ TEST(location_transform, active_program_transform_moves_x_y_and_sensor_only) {
     EXPECT_EQ(p.location(ground_row, 1), 40.0);
     EXPECT_EQ(p.mag_channels(observed_raw, 1), 50.0f);
     EXPECT_EQ(p.xmin, 1010.0);
+    // A short line keeps the sensor as read, and it is shifted once, not once more.
+    EXPECT_EQ(p.location(sensor_row, 2), 31.0);
+    EXPECT_EQ(p.location(easting_row, 2), 1011.0);
 
     // An inactive transform is not applied even when its fields differ.
     transforms.program_transform.active = 0;
