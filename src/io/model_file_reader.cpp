@@ -214,7 +214,9 @@ void read_body(model_line_source& lines, model_record& model, int index, std::in
         take_limits(b9, b.rem_d);
     }
     if (!b9.empty()) {
-        take_parameter(b9, b.density);
+        // The oldest layout has no limits anywhere: only the density value follows.
+        b.density.value = take_f32(b9);
+        if (v > 0) take_limits(b9, b.density);
         // Before version 3 density was stored as half its value.
         if (v < 3) b.density.value = to_f32(2.0 * static_cast<double>(b.density.value));
     }

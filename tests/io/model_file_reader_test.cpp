@@ -58,6 +58,8 @@ TEST_F(model_reader, version_0_converts_susceptibility_density_and_remanence) {
     EXPECT_EQ(b.dip.vary, 1.0f);  // no limits in this layout: the defaults stay
     EXPECT_FLOAT_EQ(b.susc.value, 0.001f * four_pi);
     EXPECT_FLOAT_EQ(b.density.value, 2.67f);
+    EXPECT_EQ(b.density.vary, 1.0f);
+    EXPECT_EQ(b.density.min, -99999.0f);
     EXPECT_FLOAT_EQ(b.rem_q.value, 2.0f / (0.001f * four_pi) / 50000.0f);
     EXPECT_EQ(b.rem_i.value, -50.0f);
     EXPECT_EQ(b.rem_d.value, 10.0f);
