@@ -2,8 +2,11 @@
 // spherical polygon the face projects to, and the line integral of 1/r along each edge.
 #include "response/facet_engine.h"
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
+
+#include "response/facet_engine_block.h"
 
 namespace trensil {
 
@@ -239,36 +242,139 @@ restart:
     out.d = d;
 }
 
+// Two lanes: plain SSE2 on any x86-64, and plain arithmetic elsewhere.
+typedef double portable_vd __attribute__((vector_size(16)));
+typedef std::int64_t portable_vi __attribute__((vector_size(16)));
+
+struct portable_lanes : facet_lanes_base<portable_vd, portable_vi> {
+    static vd sqrt(vd x) {
+        vd r;
+        for (int i = 0; i < width; ++i) r[i] = std::sqrt(x[i]);
+        return r;
+    }
+};
+
+// Adds one station's terms to its sums: the field components of the face's poles, and the
+// attraction where the station is off the face's plane.
+template <class T>
+inline void add_station(const facet_face& face, std::size_t k, double omega, double P, double Q,
+                        double R, double d, bool want_magnetic, bool want_gravity,
+                        const facet_sums<T>& sums) {
+    const double l = face.l, m = face.m, n = face.n, p = face.p;
+    if (want_magnetic) {
+        const double hx = p * (l * omega + n * Q - m * R);
+        const double hy = p * (m * omega + l * R - n * P);
+        const double hz = p * (n * omega + m * P - l * Q);
+        if (sums.hx) sums.hx[k] = static_cast<T>(sums.hx[k] + hx);
+        if (sums.hy) sums.hy[k] = static_cast<T>(sums.hy[k] + hy);
+        if (sums.hz) sums.hz[k] = static_cast<T>(sums.hz[k] + hz);
+    }
+    if (want_gravity && std::fabs(d) != 0.0 && sums.g) {
+        const double g = (n * omega + m * P - l * Q) * d;
+        sums.g[k] = static_cast<T>(sums.g[k] - g);
+    }
+}
+
+facet_block_function block_function(facet_block_isa isa) {
+#if defined(TRENSIL_FACET_X86_LANES)
+    if (isa == facet_block_isa::automatic) {
+        static const facet_block_function widest = [] {
+            if (__builtin_cpu_supports("avx512f")) return &facet_block_avx512;
+            if (__builtin_cpu_supports("avx2")) return &facet_block_avx2;
+            return &facet_block_portable;
+        }();
+        return widest;
+    }
+    if (isa == facet_block_isa::avx512) return &facet_block_avx512;
+    if (isa == facet_block_isa::avx2) return &facet_block_avx2;
+#else
+    (void)isa;
+#endif
+    return &facet_block_portable;
+}
+
 }  // namespace
 
+bool facet_block_isa_available(facet_block_isa isa) {
+    switch (isa) {
+        case facet_block_isa::automatic:
+        case facet_block_isa::portable:
+            return true;
+#if defined(TRENSIL_FACET_X86_LANES)
+        case facet_block_isa::avx2:
+            return __builtin_cpu_supports("avx2");
+        case facet_block_isa::avx512:
+            return __builtin_cpu_supports("avx512f");
+#else
+        default:
+            return false;
+#endif
+    }
+    return false;
+}
+
+void facet_block_portable(const facet_block_face& face, const double* x, const double* y,
+                          const double* z, std::size_t count, const facet_block_terms& out) {
+    facet_block_range<portable_lanes>(face, x, y, z, count, out);
+}
+
 template <class T>
-void facet_kernel(const facet_face& face, const facet_stations& stations, std::size_t first,
-                  std::size_t last, bool want_magnetic, bool want_gravity,
-                  const facet_sums<T>& sums) {
-    const double l = face.l, m = face.m, n = face.n, p = face.p;
+void facet_kernel_reference(const facet_face& face, const facet_stations& stations,
+                            std::size_t first, std::size_t last, bool want_magnetic,
+                            bool want_gravity, const facet_sums<T>& sums) {
     station_terms t;
     station_scratch scratch(face.num_vertices);
     for (std::size_t k = first; k < last; ++k) {
         face_terms(face, stations.x[k], stations.y[k], stations.z[k], scratch, t);
-        if (want_magnetic) {
-            const double hx = p * (l * t.omega + n * t.Q - m * t.R);
-            const double hy = p * (m * t.omega + l * t.R - n * t.P);
-            const double hz = p * (n * t.omega + m * t.P - l * t.Q);
-            if (sums.hx) sums.hx[k] = static_cast<T>(sums.hx[k] + hx);
-            if (sums.hy) sums.hy[k] = static_cast<T>(sums.hy[k] + hy);
-            if (sums.hz) sums.hz[k] = static_cast<T>(sums.hz[k] + hz);
-        }
-        if (want_gravity && std::fabs(t.d) != 0.0 && sums.g) {
-            const double g = (n * t.omega + m * t.P - l * t.Q) * t.d;
-            sums.g[k] = static_cast<T>(sums.g[k] - g);
+        add_station(face, k, t.omega, t.P, t.Q, t.R, t.d, want_magnetic, want_gravity, sums);
+    }
+}
+
+template <class T>
+void facet_kernel(const facet_face& face, const facet_stations& stations, std::size_t first,
+                  std::size_t last, bool want_magnetic, bool want_gravity,
+                  const facet_sums<T>& sums, facet_block_isa isa) {
+    if (face.num_vertices > facet_block_max_vertices) {
+        facet_kernel_reference(face, stations, first, last, want_magnetic, want_gravity, sums);
+        return;
+    }
+    const facet_block_function block = block_function(isa);
+    const facet_block_face bf{face.num_vertices, face.vx, face.vy, face.vz, face.ex,
+                              face.ey,           face.ez, face.l,  face.m,  face.n};
+    // Terms of a chunk of stations at a time, then added station by station in order.
+    constexpr std::size_t chunk = 256;
+    double omega[chunk], P[chunk], Q[chunk], R[chunk], d[chunk];
+    unsigned char retry[chunk];
+    const facet_block_terms terms{omega, P, Q, R, d, retry};
+    station_terms t;
+    station_scratch scratch(face.num_vertices);
+    for (std::size_t start = first; start < last; start += chunk) {
+        const std::size_t count = std::min(chunk, last - start);
+        block(bf, stations.x + start, stations.y + start, stations.z + start, count, terms);
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::size_t k = start + i;
+            if (retry[i] != 0) {
+                face_terms(face, stations.x[k], stations.y[k], stations.z[k], scratch, t);
+                add_station(face, k, t.omega, t.P, t.Q, t.R, t.d, want_magnetic, want_gravity,
+                            sums);
+            } else {
+                add_station(face, k, omega[i], P[i], Q[i], R[i], d[i], want_magnetic, want_gravity,
+                            sums);
+            }
         }
     }
 }
 
 template void facet_kernel<float>(const facet_face&, const facet_stations&, std::size_t,
-                                  std::size_t, bool, bool, const facet_sums<float>&);
+                                  std::size_t, bool, bool, const facet_sums<float>&,
+                                  facet_block_isa);
 template void facet_kernel<double>(const facet_face&, const facet_stations&, std::size_t,
-                                   std::size_t, bool, bool, const facet_sums<double>&);
+                                   std::size_t, bool, bool, const facet_sums<double>&,
+                                   facet_block_isa);
+template void facet_kernel_reference<float>(const facet_face&, const facet_stations&, std::size_t,
+                                            std::size_t, bool, bool, const facet_sums<float>&);
+template void facet_kernel_reference<double>(const facet_face&, const facet_stations&, std::size_t,
+                                             std::size_t, bool, bool, const facet_sums<double>&);
 
 void facet_response(int /*face_index*/, body_record& body, const profile_block& profile,
                     bool want_magnetic, bool want_gravity, float mx, float my, float mz,

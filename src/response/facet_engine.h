@@ -82,12 +82,29 @@ struct facet_face {
 bool prepare_facet(int num_vertices, double* vx, double* vy, double* vz, double* ex, double* ey,
                    double* ez, bool want_magnetic, float mx, float my, float mz, facet_face& face);
 
+// The block kernel that computes the per-station terms: `automatic` takes the widest the
+// processor has (AVX-512, AVX2, else the portable one). All of them give the same bits.
+enum class facet_block_isa { automatic, portable, avx2, avx512 };
+
+// True when this processor and build can run `isa`.
+bool facet_block_isa_available(facet_block_isa isa);
+
 // Adds a prepared face's contribution at stations [first, last) to the sums. The single-thread
-// kernel under facet_response and the polyhedron responses.
+// kernel under facet_response and the polyhedron responses: stations go through the block kernel
+// several at a time, and a station on an edge line goes through facet_kernel_reference.
+// Against facet_kernel_reference the terms differ only by the arc tangents and logarithms (our
+// own, within two units in the last place of a double); everything else agrees bit for bit.
 template <class T>
 void facet_kernel(const facet_face& face, const facet_stations& stations, std::size_t first,
                   std::size_t last, bool want_magnetic, bool want_gravity,
-                  const facet_sums<T>& sums);
+                  const facet_sums<T>& sums, facet_block_isa isa = facet_block_isa::automatic);
+
+// The same one station at a time with the C library's arc tangent and logarithm: the plain
+// statement of the method, and the path of stations that must be moved off an edge line.
+template <class T>
+void facet_kernel_reference(const facet_face& face, const facet_stations& stations,
+                            std::size_t first, std::size_t last, bool want_magnetic,
+                            bool want_gravity, const facet_sums<T>& sums);
 
 // Runs `work(first, last)` over [0, count): in two halves on two threads when count is at least
 // facet_parallel_threshold, otherwise at once on this thread.
