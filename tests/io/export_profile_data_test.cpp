@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,18 +15,10 @@ using testing::read_all;
 using testing::scratch_dir;
 using testing::write_all;
 
-std::vector<std::string> lines_of(const std::string& text) {
+std::vector<std::string> lines_of(const std::string& path) {
+    std::istringstream in(read_all(path));
     std::vector<std::string> lines;
-    std::string line;
-    for (char c : text) {
-        if (c == '\n') {
-            lines.push_back(line);
-            line.clear();
-        } else {
-            line += c;
-        }
-    }
-    if (!line.empty()) lines.push_back(line);
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
     return lines;
 }
 
@@ -50,52 +43,41 @@ model_record two_stations() {
     return model;
 }
 
-TEST(export_profile_data, magnetic_columns_follow_the_displayed_gradient) {
-    scratch_dir dir("iodata_export_mag");
-    model_record model = two_stations();
-    model.magpos = 3;
-    model.dtm = 4;
-    model.vg_component_1 = 1;  // total gradient displayed: rows 5 and 10
-    model.vg_component_2 = 2;
+TEST(export_profile_data, columns_follow_the_channels_present_and_the_displayed_gradient) {
+    scratch_dir dir("iodata_export");
     std::string error;
-    ASSERT_EQ(write_profile_data(model, dir.file("out.csv"), error), 0) << error;
-    const auto lines = lines_of(read_all(dir.file("out.csv")));
+    model_record mag = two_stations();
+    mag.magpos = 3, mag.dtm = 4;
+    mag.vg_component_1 = 1, mag.vg_component_2 = 2;  // total gradient shown: rows 5 and 10
+    ASSERT_EQ(write_profile_data(mag, dir.file("mag.csv"), error), 0) << error;
+    auto lines = lines_of(dir.file("mag.csv"));
     ASSERT_EQ(lines.size(), 4u);
     EXPECT_EQ(lines[0], "#Profile model data for /survey/line 7.csv");
     EXPECT_EQ(lines[1],
-              "East, North, Sensor, Dist, DTM, TMI_Obs, TMI_Obs_Res, TMI_Obs_TG, TMI_Mod, "
-              "TMI_Mod_Res, TMI_Mod_TG");
+              "East, North, Sensor, Dist, DTM, TMI_Obs, TMI_Obs_Res, TMI_Obs_TG, "
+              "TMI_Mod, TMI_Mod_Res, TMI_Mod_TG");
     EXPECT_EQ(lines[3],
-              "1002.0, 2002.0, 50.3, 10.0, 42.0, 102.0000, 202.0000, 502.0000, 602.0000, "
-              "702.0000, 1002.0000");
-}
+              "1002.0, 2002.0, 50.3, 10.0, 42.0, 102.0000, 202.0000, 502.0000, "
+              "602.0000, 702.0000, 1002.0000");
 
-TEST(export_profile_data, gravity_only_has_no_magnetic_columns_and_keeps_vertical_rows) {
-    scratch_dir dir("iodata_export_grav");
-    model_record model = two_stations();
-    model.magpos = 0;
-    model.gravpos = 5;
-    model.vg_component_2 = 2;  // does not move the gravity gradient columns
-    std::string error;
-    ASSERT_EQ(write_profile_data(model, dir.file("out.csv"), error), 0) << error;
-    const auto lines = lines_of(read_all(dir.file("out.csv")));
-    ASSERT_EQ(lines.size(), 4u);
+    // Gravity only: no TMI columns, and the gravity gradient rows stay the vertical ones.
+    model_record grav = two_stations();
+    grav.magpos = 0, grav.gravpos = 5, grav.vg_component_2 = 2;
+    ASSERT_EQ(write_profile_data(grav, dir.file("grav.csv"), error), 0) << error;
+    lines = lines_of(dir.file("grav.csv"));
     EXPECT_EQ(lines[1],
-              "East, North, Sensor, Dist, Grav_Obs, Grav_Obs_Res, Grav_Obs_VG, Grav_Mod, "
-              "Grav_Mod_Res, Grav_Mod_VG");
+              "East, North, Sensor, Dist, Grav_Obs, Grav_Obs_Res, Grav_Obs_VG, "
+              "Grav_Mod, Grav_Mod_Res, Grav_Mod_VG");
     EXPECT_EQ(lines[2],
               "1001.0, 2001.0, 50.3, 0.0, 1.5000, 2.5000, 3.5000, 6.5000, 7.5000, 8.5000");
-}
 
-TEST(export_profile_data, uncalculated_rows_print_as_zero) {
-    scratch_dir dir("iodata_export_zero");
-    model_record model;
-    reset_model(model);
-    model.profile.allocate_stations(1);
-    model.profile.mag_channels(observed_raw, 1) = 57000.5f;
-    std::string error;
-    ASSERT_EQ(write_profile_data(model, dir.file("out.csv"), error), 0);
-    EXPECT_EQ(lines_of(read_all(dir.file("out.csv")))[2],
+    // Before any calculation the computed rows print as zeros.
+    model_record fresh;
+    reset_model(fresh);
+    fresh.profile.allocate_stations(1);
+    fresh.profile.mag_channels(observed_raw, 1) = 57000.5f;
+    ASSERT_EQ(write_profile_data(fresh, dir.file("fresh.csv"), error), 0);
+    EXPECT_EQ(lines_of(dir.file("fresh.csv"))[2],
               "0.0, 0.0, 0.0, 0.0, 57000.5000, 0.0000, 0.0000, 0.0000, 0.0000, 0.0000");
 }
 
@@ -105,36 +87,29 @@ TEST(export_profile_data, menu_command_asks_confirms_and_reports) {
     model.magpos = 3;
     scripted_platform ui;
 
-    model_record empty;
-    EXPECT_EQ(export_profile_data(empty, ui), -1);
+    EXPECT_EQ(export_profile_data(model_record{}, ui), -1);  // no stations: a beep
     EXPECT_EQ(ui.beeps, 1);
-
-    ui.file_answers.push_back(std::nullopt);  // cancelled
+    ui.file_answers.push_back(std::nullopt);
     EXPECT_EQ(export_profile_data(model, ui), -1);
     EXPECT_TRUE(ui.messages.empty());
 
-    ui.file_answers.push_back(dir.file("line7"));  // no extension: ".csv" is added
+    ui.file_answers.push_back(dir.file("line7"));  // ".csv" is added
     EXPECT_EQ(export_profile_data(model, ui), 0);
     EXPECT_EQ(ui.messages, std::vector<std::string>{"Output complete"});
-    EXPECT_EQ(lines_of(read_all(dir.file("line7.csv"))).size(), 4u);
+    EXPECT_EQ(lines_of(dir.file("line7.csv")).size(), 4u);
 
     write_all(dir.file("keep.csv"), "old");
-    ui.file_answers.push_back(dir.file("keep.csv"));
-    ui.yes_answers.push_back(false);
+    ui.file_answers = {dir.file("keep.csv"), dir.file("keep.csv")};
+    ui.yes_answers = {false, true};
     EXPECT_EQ(export_profile_data(model, ui), -1);
     EXPECT_EQ(ui.questions.back(), "That file already, exists, overwrite?");
     EXPECT_EQ(read_all(dir.file("keep.csv")), "old");
-
-    ui.file_answers.push_back(dir.file("keep.csv"));
-    ui.yes_answers.push_back(true);
     EXPECT_EQ(export_profile_data(model, ui), 0);
     EXPECT_NE(read_all(dir.file("keep.csv")), "old");
 
-    ui.messages.clear();
     ui.file_answers.push_back(dir.file("no/such/folder/out.csv"));
     EXPECT_EQ(export_profile_data(model, ui), -1);
-    ASSERT_EQ(ui.messages.size(), 1u);
-    EXPECT_EQ(ui.messages[0].rfind("An error occurred while writing the file: ", 0), 0u);
+    EXPECT_TRUE(ui.messages.back().starts_with("An error occurred while writing the file: "));
 }
 
 }  // namespace
