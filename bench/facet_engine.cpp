@@ -1,16 +1,23 @@
 // Rate of the facet engine in facet-station pairs per second on a finely tessellated pipe at
-// 2,000 stations, for gravity and magnetics, and the same triangles and stations through
-// `gmt gravmag3d` (raw triangles) timed in the same run, printed as a ratio of rates.
+// 2,000 stations: through the polyhedron response (stations split over two threads) for gravity
+// and magnetics, and on one thread for each block kernel and the one-station-at-a-time
+// reference. Rates are given per second of wall time and per second of processor time (all
+// threads), since the machine may be shared. At the end, the best rates side by side with the
+// reference rate to beat, as a ratio.
+//
+//   bench_facet_engine [--reference_rate=8e6] [benchmark options]
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
+#include <cstring>
+#include <ctime>
 #include <string>
 #include <vector>
 
+#include "response/facet_engine.h"
 #include "response/polyhedron_response.h"
 #include "response/solid_tessellation.h"
 
@@ -19,6 +26,10 @@ namespace {
 using namespace trensil;
 
 constexpr int bench_stations = 2000;
+
+// Facet-station pairs a second of an established one-thread code on this body and these
+// stations, the rate to beat five times over; --reference_rate= replaces it.
+double reference_rate = 8.0e6;
 
 struct bench_body {
     int num_vertices = 0;
@@ -52,117 +63,183 @@ double pairs() {
     return static_cast<double>(body().num_triangles) * bench_stations;
 }
 
-double run_ours(polyhedron_mode mode) {
+// The same triangles prepared for the kernel in the facet frame, and the stations.
+struct prepared_body {
+    std::vector<double> vx, vy, vz, ex, ey, ez;
+    std::vector<facet_face> faces;
+    std::vector<double> xs, ys, zs;
+    facet_stations stations() const { return {xs.size(), xs.data(), ys.data(), zs.data()}; }
+};
+
+const prepared_body& prepared() {
+    static const prepared_body p = [] {
+        const bench_body& b = body();
+        prepared_body out;
+        const double east1 = b.profile.location(easting_row, 1);
+        const double north1 = b.profile.location(northing_row, 1);
+        const double elev1 = b.profile.location(sensor_row, 1);
+        const auto count = static_cast<std::size_t>(b.num_triangles);
+        out.vx.resize(4 * count);
+        out.vy.resize(4 * count);
+        out.vz.resize(4 * count);
+        out.ex.resize(3 * count);
+        out.ey.resize(3 * count);
+        out.ez.resize(3 * count);
+        for (std::size_t t = 0; t < count; ++t) {
+            for (std::size_t c = 0; c < 3; ++c) {
+                const int v = b.triangles(static_cast<int>(c) + 1, static_cast<int>(t) + 1);
+                out.vx[4 * t + c] = b.vertices(2, v) - north1;
+                out.vy[4 * t + c] = b.vertices(1, v) - east1;
+                out.vz[4 * t + c] = -(b.vertices(3, v) - elev1);
+            }
+            facet_face face;
+            if (prepare_facet(3, &out.vx[4 * t], &out.vy[4 * t], &out.vz[4 * t], &out.ex[3 * t],
+                              &out.ey[3 * t], &out.ez[3 * t], false, 0.0f, 0.0f, 0.0f, face))
+                out.faces.push_back(face);
+        }
+        for (int s = 1; s <= bench_stations; ++s) {
+            out.xs.push_back(b.profile.location(northing_row, s) - north1);
+            out.ys.push_back(b.profile.location(easting_row, s) - east1);
+            out.zs.push_back(-(b.profile.location(sensor_row, s) - elev1));
+        }
+        return out;
+    }();
+    return p;
+}
+
+double process_seconds() {
+    timespec t{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+    return static_cast<double>(t.tv_sec) + 1e-9 * static_cast<double>(t.tv_nsec);
+}
+
+// Wall and processor seconds of one run.
+struct run_time {
+    double wall = 0.0, cpu = 0.0;
+};
+
+template <class Work>
+run_time timed(Work&& work) {
+    const double cpu0 = process_seconds();
+    const auto wall0 = std::chrono::steady_clock::now();
+    work();
+    run_time t;
+    t.wall = std::chrono::duration<double>(std::chrono::steady_clock::now() - wall0).count();
+    t.cpu = process_seconds() - cpu0;
+    return t;
+}
+
+run_time run_polyhedron(polyhedron_mode mode) {
     const bench_body& b = body();
     solid_properties props;
     props.density = 2.5f;
     props.susc_si = 0.01f;
     std::vector<float> out(bench_stations);
-    const auto start = std::chrono::steady_clock::now();
-    polyhedron_response(mode, 0, earth_field{50000.0f, 60.0f, 5.0f}, props, b.num_vertices,
-                        b.vertices, b.num_triangles, b.triangles, b.profile, out.data());
+    const run_time t = timed([&] {
+        polyhedron_response(mode, 0, earth_field{50000.0f, 60.0f, 5.0f}, props, b.num_vertices,
+                            b.vertices, b.num_triangles, b.triangles, b.profile, out.data());
+    });
     benchmark::DoNotOptimize(out.data());
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return t;
 }
 
-void facet_engine_gravity(benchmark::State& state) {
-    for (auto _ : state) run_ours(polyhedron_mode::gravity);
-    state.counters["pairs_per_s"] = benchmark::Counter(
-        pairs() * static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
-}
-BENCHMARK(facet_engine_gravity)->UseRealTime()->Unit(benchmark::kMillisecond);
-
-void facet_engine_magnetic(benchmark::State& state) {
-    for (auto _ : state) run_ours(polyhedron_mode::magnetic);
-    state.counters["pairs_per_s"] = benchmark::Counter(
-        pairs() * static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
-}
-BENCHMARK(facet_engine_magnetic)->UseRealTime()->Unit(benchmark::kMillisecond);
-
-// The same triangles and stations as files for gmt: raw triangles (x1 y1 z1 ... z3), z up,
-// and the station positions.
-std::filesystem::path write_gmt_inputs() {
-    const auto dir = std::filesystem::temp_directory_path() / "trensil_bench_facet";
-    std::filesystem::create_directories(dir);
-    const bench_body& b = body();
-    {
-        std::ofstream tri(dir / "body.raw");
-        char line[512];
-        for (int t = 1; t <= b.num_triangles; ++t) {
-            std::string row;
-            for (int c = 1; c <= 3; ++c) {
-                const int v = b.triangles(c, t);
-                std::snprintf(line, sizeof line, "%.6f %.6f %.6f ", b.vertices(1, v),
-                              b.vertices(2, v), b.vertices(3, v));
-                row += line;
-            }
-            tri << row << '\n';
+// One thread, every face over every station, gravity: the block kernel `isa`, or the
+// reference when `reference` is set.
+run_time run_one_thread(bool reference, facet_block_isa isa) {
+    const prepared_body& p = prepared();
+    const facet_stations st = p.stations();
+    std::vector<double> g(st.count, 0.0);
+    const facet_sums<double> sums{nullptr, nullptr, nullptr, g.data()};
+    const run_time t = timed([&] {
+        for (const facet_face& f : p.faces) {
+            if (reference)
+                facet_kernel_reference(f, st, 0, st.count, false, true, sums);
+            else
+                facet_kernel(f, st, 0, st.count, false, true, sums, isa);
         }
-    }
-    {
-        std::ofstream xy(dir / "stations.xy");
-        for (int s = 1; s <= bench_stations; ++s)
-            xy << b.profile.location(easting_row, s) << ' ' << b.profile.location(northing_row, s)
-               << '\n';
-    }
-    return dir;
+    });
+    benchmark::DoNotOptimize(g.data());
+    return t;
 }
 
-// Seconds for one gmt run, or a negative value when gmt cannot be run.
-double run_gmt(const std::filesystem::path& dir) {
-    const std::string command = "gmt gravmag3d -Tr" + (dir / "body.raw").string() + " -F" +
-                                (dir / "stations.xy").string() + " -C2500 -L0 > " +
-                                (dir / "out.txt").string() + " 2>/dev/null";
-    const auto start = std::chrono::steady_clock::now();
-    const int status = std::system(command.c_str());
-    const double seconds =
-        std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    return status == 0 ? seconds : -1.0;
-}
-
-void gmt_gravmag3d(benchmark::State& state) {
-    const auto dir = write_gmt_inputs();
+template <class Run>
+void report(benchmark::State& state, Run&& run) {
+    double wall = 0.0, cpu = 0.0;
     for (auto _ : state) {
-        const double seconds = run_gmt(dir);
-        if (seconds < 0.0) {
-            state.SkipWithError("gmt gravmag3d could not be run");
-            break;
-        }
-        state.SetIterationTime(seconds);
+        const run_time t = run();
+        state.SetIterationTime(t.wall);
+        wall += t.wall;
+        cpu += t.cpu;
     }
-    state.counters["pairs_per_s"] = benchmark::Counter(
-        pairs() * static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    const double n = pairs() * static_cast<double>(state.iterations());
+    state.counters["Mpairs_per_wall_s"] = n / wall / 1e6;
+    state.counters["Mpairs_per_cpu_s"] = n / cpu / 1e6;
 }
-BENCHMARK(gmt_gravmag3d)->UseManualTime()->Unit(benchmark::kMillisecond)->Iterations(3);
 
-// Best of three runs each, side by side.
-void print_ratio() {
-    double ours = 1e30, gmt = 1e30;
-    const auto dir = write_gmt_inputs();
-    for (int i = 0; i < 3; ++i) {
-        ours = std::min(ours, run_ours(polyhedron_mode::gravity));
-        const double g = run_gmt(dir);
-        if (g < 0.0) {
-            gmt = -1.0;
-            break;
-        }
-        gmt = std::min(gmt, g);
-    }
-    std::printf("\n%d triangles x %d stations = %.0f facet-station pairs\n", body().num_triangles,
-                bench_stations, pairs());
-    std::printf("facet engine (gravity): %.3f s, %.1f million pairs/s\n", ours,
-                pairs() / ours / 1e6);
-    if (gmt < 0.0) {
-        std::printf("gmt gravmag3d could not be run: our rate alone is reported\n");
+void facet_engine_gravity_two_threads(benchmark::State& state) {
+    report(state, [] { return run_polyhedron(polyhedron_mode::gravity); });
+}
+BENCHMARK(facet_engine_gravity_two_threads)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+void facet_engine_magnetic_two_threads(benchmark::State& state) {
+    report(state, [] { return run_polyhedron(polyhedron_mode::magnetic); });
+}
+BENCHMARK(facet_engine_magnetic_two_threads)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+void facet_kernel_one_thread(benchmark::State& state, bool reference, facet_block_isa isa) {
+    if (!reference && !facet_block_isa_available(isa)) {
+        state.SkipWithError("this processor lacks the instruction set");
         return;
     }
-    std::printf("gmt gravmag3d:          %.3f s, %.1f million pairs/s\n", gmt, pairs() / gmt / 1e6);
-    std::printf("ratio (our rate / gmt's rate): %.2f\n", gmt / ours);
+    report(state, [&] { return run_one_thread(reference, isa); });
+}
+BENCHMARK_CAPTURE(facet_kernel_one_thread, reference, true, facet_block_isa::automatic)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(facet_kernel_one_thread, portable, false, facet_block_isa::portable)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(facet_kernel_one_thread, avx2, false, facet_block_isa::avx2)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(facet_kernel_one_thread, avx512, false, facet_block_isa::avx512)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+
+// Best of five runs each, side by side with the reference rate.
+void print_ratio() {
+    run_time two{1e30, 1e30}, one{1e30, 1e30};
+    for (int i = 0; i < 5; ++i) {
+        const run_time t2 = run_polyhedron(polyhedron_mode::gravity);
+        two.wall = std::min(two.wall, t2.wall);
+        two.cpu = std::min(two.cpu, t2.cpu);
+        const run_time t1 = run_one_thread(false, facet_block_isa::automatic);
+        one.wall = std::min(one.wall, t1.wall);
+        one.cpu = std::min(one.cpu, t1.cpu);
+    }
+    const double n = pairs();
+    std::printf("\n%d triangles x %d stations = %.0f facet-station pairs (gravity)\n",
+                body().num_triangles, bench_stations, n);
+    std::printf("one thread:  %.1f million pairs/s wall, %.1f per processor second\n",
+                n / one.wall / 1e6, n / one.cpu / 1e6);
+    std::printf("two threads: %.1f million pairs/s wall, %.1f per processor second\n",
+                n / two.wall / 1e6, n / two.cpu / 1e6);
+    std::printf("reference rate to beat: %.1f million pairs/s (one thread)\n",
+                reference_rate / 1e6);
+    std::printf("ratio, two threads by wall time: %.2f; one thread: %.2f\n",
+                n / two.wall / reference_rate, n / one.wall / reference_rate);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    for (int i = 1; i < argc; ++i)
+        if (std::strncmp(argv[i], "--reference_rate=", 17) == 0) {
+            reference_rate = std::atof(argv[i] + 17);
+            for (int j = i; j + 1 < argc; ++j) argv[j] = argv[j + 1];
+            --argc;
+            --i;
+        }
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     benchmark::RunSpecifiedBenchmarks();

@@ -2,6 +2,8 @@
 // run time; on other processors it is never called.
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
 #pragma GCC target("avx2")
+// Products and sums stay separate roundings, as in the scalar path: no fused multiply-add.
+#pragma GCC optimize("fp-contract=off")
 #include <immintrin.h>
 
 #include "response/facet_engine_block.h"

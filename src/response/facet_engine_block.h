@@ -70,13 +70,9 @@ struct facet_lanes_base {
     static constexpr int width = static_cast<int>(sizeof(VD) / sizeof(double));
     static_assert(sizeof(VD) == sizeof(VI));
 
-    static vd splat(double c) {
-        vd v;
-        for (int i = 0; i < width; ++i) v[i] = c;
-        return v;
-    }
+    static vd splat(double c) { return vd{} + c; }
     static vd load(const double* p) {
-        vd v;
+        vd v = {};
         __builtin_memcpy(&v, p, sizeof v);
         return v;
     }
@@ -194,7 +190,7 @@ void facet_block_range(const facet_block_face& f, const double* xs, const double
     const double corners_pi = (nv - 2) * pi;
 
     for (std::size_t first = 0; first < count; first += W) {
-        vd sx, sy, sz;
+        vd sx = {}, sy = {}, sz = {};
         if (first + W <= count) {
             sx = L::load(xs + first);
             sy = L::load(ys + first);
@@ -210,8 +206,9 @@ void facet_block_range(const facet_block_face& f, const double* xs, const double
             }
         }
         // Station to vertex vectors 1..n + 1 and their lengths.
-        vd ax[facet_block_max_vertices + 2], ay[facet_block_max_vertices + 2],
-            az[facet_block_max_vertices + 2], dist[facet_block_max_vertices + 2];
+        vd ax[facet_block_max_vertices + 2] = {}, ay[facet_block_max_vertices + 2] = {},
+                                         az[facet_block_max_vertices + 2] = {},
+                                         dist[facet_block_max_vertices + 2] = {};
         for (int i = 1; i <= nv + 1; ++i) {
             ax[i] = f.vx[i - 1] - sx;
             ay[i] = f.vy[i - 1] - sy;
@@ -219,8 +216,9 @@ void facet_block_range(const facet_block_face& f, const double* xs, const double
             dist[i] = L::sqrt(ax[i] * ax[i] + ay[i] * ay[i] + az[i] * az[i]);
         }
         // Per edge k: rel(k) x rel(k + 1), its length and its unit vector.
-        vd cl[facet_block_max_vertices + 1], ux[facet_block_max_vertices + 1],
-            uy[facet_block_max_vertices + 1], uz[facet_block_max_vertices + 1];
+        vd cl[facet_block_max_vertices + 1] = {}, ux[facet_block_max_vertices + 1] = {},
+                                         uy[facet_block_max_vertices + 1] = {},
+                                         uz[facet_block_max_vertices + 1] = {};
         for (int k = 1; k <= nv; ++k) {
             const vd c1 = ay[k] * az[k + 1] - az[k] * ay[k + 1];
             const vd c2 = az[k] * ax[k + 1] - ax[k] * az[k + 1];
