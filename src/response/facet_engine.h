@@ -92,8 +92,9 @@ bool facet_block_isa_available(facet_block_isa isa);
 // Adds a prepared face's contribution at stations [first, last) to the sums. The single-thread
 // kernel under facet_response and the polyhedron responses: stations go through the block kernel
 // several at a time, and a station on an edge line goes through facet_kernel_reference.
-// Against facet_kernel_reference the terms differ only by the arc tangents and logarithms (our
-// own, within two units in the last place of a double); everything else agrees bit for bit.
+// Against facet_kernel_reference the terms differ only through the corner angles' arc cosines
+// and the edges' logarithms (our own, a few units in the last place of a double apart); the rest
+// of the arithmetic and every decision agree bit for bit.
 template <class T>
 void facet_kernel(const facet_face& face, const facet_stations& stations, std::size_t first,
                   std::size_t last, bool want_magnetic, bool want_gravity,

@@ -1,10 +1,11 @@
 // The facet engine over a block of stations at once: the same per-station terms as the scalar
 // path (solid angle, edge sums P, Q, R, distance from the face's plane), computed lane by lane in
-// vectors of doubles. Every sum, product, quotient and square root is the scalar path's
-// operation in the scalar path's order, so those bits agree exactly; arc tangent and logarithm
-// are this file's own routines (facet_lanes_atan, facet_lanes_log), within an ulp or two of the
-// C library's in double precision. A station that needs the move off an edge line is flagged
-// and left to the scalar path.
+// vectors of doubles. Every sum, product, quotient and square root outside the arc cosine and
+// the logarithm is the scalar path's operation in the scalar path's order, so those bits agree
+// exactly, and so does every decision (side of the plane, edge-line test, sign changes); the arc
+// cosine and logarithm are this file's own (facet_lanes_arc_cos, facet_lanes_log), within a few
+// units in the last place of the scalar path's in double precision. A station that needs the move
+// off an edge line is flagged and left to the scalar path.
 //
 // This header is compiled into translation units built for different instruction sets, so it
 // includes nothing but the language's builtins and keeps everything it defines internal.
@@ -87,22 +88,22 @@ struct facet_lanes_base {
     static vd from_bits(vi v) { return __builtin_bit_cast(vd, v); }
 };
 
-// Arc tangent in double precision for every lane: reduced to |x| <= 0.66 by
-// atan x = pi/4 + atan((x - 1)/(x + 1)) or pi/2 - atan(1/x), then x + x^3 P(x^2)/Q(x^2) with
-// the rational (4, 5) approximation of Moshier (1989), the low part of pi/2 added back.
-// In: any double; out: radians in [-pi/2, pi/2]; atan(+-inf) = +-pi/2; NaN stays NaN.
+// Arc tangent of a / b for a >= 0, b >= 0 in double precision for every lane, without forming
+// a / b first: reduced to |r| <= 0.66 by r = a / b, (a - b) / (a + b) (pi/4 added back) or
+// -b / a (pi/2 added back), then r + r^3 P(r^2)/Q(r^2) with the rational (4, 5) approximation
+// of Moshier (1989), the low part of pi/2 added back. In: a, b not both 0 (b = 0 gives pi/2);
+// out: radians in [0, pi/2]; NaN stays NaN.
 template <class L>
-typename L::vd facet_lanes_atan(typename L::vd x) {
+typename L::vd facet_lanes_atan_ratio(typename L::vd a, typename L::vd b) {
     using vd = typename L::vd;
     constexpr double tan_3pi_8 = 2.41421356237309504880;
     constexpr double more_bits = 6.123233995736765886130e-17;
     constexpr double pi_2 = 1.57079632679489661923;
     constexpr double pi_4 = 0.78539816339744830962;
-    const vd ax = L::from_bits(L::bits(x) & 0x7FFFFFFFFFFFFFFF);
-    const auto big = ax > tan_3pi_8;
-    const auto mid = ~big & (ax > 0.66);
-    const vd num = L::select(big, L::splat(-1.0), L::select(mid, ax - 1.0, ax));
-    const vd den = L::select(big, ax, L::select(mid, ax + 1.0, L::splat(1.0)));
+    const auto big = a > tan_3pi_8 * b;
+    const auto mid = ~big & (a > 0.66 * b);
+    const vd num = L::select(big, -b, L::select(mid, a - b, a));
+    const vd den = L::select(big, a, L::select(mid, a + b, b));
     const vd r = num / den;
     const vd z = r * r;
     const vd p = (((-8.750608600031904122785e-01 * z - 1.615753718733365076637e+01) * z -
@@ -121,9 +122,29 @@ typename L::vd facet_lanes_atan(typename L::vd x) {
     t = t + L::select(big, L::splat(more_bits),
                       L::select(mid, L::splat(0.5 * more_bits), L::splat(0.0)));
     const vd base = L::select(big, L::splat(pi_2), L::select(mid, L::splat(pi_4), L::splat(0.0)));
-    const vd y = base + t;
-    // Odd: the sign of x back on.
-    return L::from_bits(L::bits(y) | (L::bits(x) & static_cast<std::int64_t>(0x8000000000000000)));
+    return base + t;
+}
+
+// Arc tangent of any double: atan(|x| / 1) with the sign of x. atan(+-inf) = +-pi/2.
+template <class L>
+typename L::vd facet_lanes_atan(typename L::vd x) {
+    const auto sign = L::bits(x) & static_cast<std::int64_t>(0x8000000000000000);
+    const typename L::vd y =
+        facet_lanes_atan_ratio<L>(L::from_bits(L::bits(x) & ~sign), L::splat(1.0));
+    return L::from_bits(L::bits(y) | sign);
+}
+
+// The facet engine's arc cosine: pi/2 + atan(-x / sqrt(1 - x^2)) for |x| < 1, the arc tangent
+// taken as atan_ratio(|x|, sqrt(1 - x^2)) with the sign of -x; 0 for x >= 1; pi below -1 and
+// for NaN. Out: radians in [0, pi].
+template <class L>
+typename L::vd facet_lanes_arc_cos(typename L::vd x) {
+    constexpr double pi = 3.14159265358979;
+    const auto sign = L::bits(x) & static_cast<std::int64_t>(0x8000000000000000);
+    const typename L::vd ax = L::from_bits(L::bits(x) & ~sign);
+    const typename L::vd t = facet_lanes_atan_ratio<L>(ax, L::sqrt(1.0 - x * x));
+    const typename L::vd inside = pi / 2.0 + L::select(sign != 0, t, -t);
+    return L::select(ax < 1.0, inside, L::select(x >= 1.0, L::splat(0.0), L::splat(pi)));
 }
 
 // Natural logarithm in double precision for every lane: x = 2^k f with f in [sqrt(2)/2,
@@ -168,16 +189,17 @@ typename L::vd facet_lanes_log(typename L::vd x) {
 }
 
 // Face terms at stations [0, count), `L::width` at a time; the last block is padded by
-// repeating the last station.
-template <class L>
-void facet_block_range(const facet_block_face& f, const double* xs, const double* ys,
-                       const double* zs, std::size_t count, const facet_block_terms& out) {
+// repeating the last station. `Vertices` fixes the face's vertex count at compile time (so that
+// triangles and quadrilaterals run from registers); 0 reads it from the face.
+template <class L, int Vertices>
+void facet_block_range_of(const facet_block_face& f, const double* xs, const double* ys,
+                          const double* zs, std::size_t count, const facet_block_terms& out) {
     using vd = typename L::vd;
     using vi = typename L::vi;
     constexpr int W = L::width;
     constexpr double pi = 3.14159265358979;
     constexpr double two_pi = 6.28318530717958;
-    const int nv = f.num_vertices;
+    const int nv = Vertices > 0 ? Vertices : f.num_vertices;
     // Per edge: L^2, L and 1/L, as the scalar path forms them.
     double len2[facet_block_max_vertices + 1], len[facet_block_max_vertices + 1],
         inv_len[facet_block_max_vertices + 1];
@@ -206,9 +228,8 @@ void facet_block_range(const facet_block_face& f, const double* xs, const double
             }
         }
         // Station to vertex vectors 1..n + 1 and their lengths.
-        vd ax[facet_block_max_vertices + 2] = {}, ay[facet_block_max_vertices + 2] = {},
-                                         az[facet_block_max_vertices + 2] = {},
-                                         dist[facet_block_max_vertices + 2] = {};
+        vd ax[facet_block_max_vertices + 2], ay[facet_block_max_vertices + 2],
+            az[facet_block_max_vertices + 2], dist[facet_block_max_vertices + 2];
         for (int i = 1; i <= nv + 1; ++i) {
             ax[i] = f.vx[i - 1] - sx;
             ay[i] = f.vy[i - 1] - sy;
@@ -216,9 +237,8 @@ void facet_block_range(const facet_block_face& f, const double* xs, const double
             dist[i] = L::sqrt(ax[i] * ax[i] + ay[i] * ay[i] + az[i] * az[i]);
         }
         // Per edge k: rel(k) x rel(k + 1), its length and its unit vector.
-        vd cl[facet_block_max_vertices + 1] = {}, ux[facet_block_max_vertices + 1] = {},
-                                         uy[facet_block_max_vertices + 1] = {},
-                                         uz[facet_block_max_vertices + 1] = {};
+        vd cl[facet_block_max_vertices + 1], ux[facet_block_max_vertices + 1],
+            uy[facet_block_max_vertices + 1], uz[facet_block_max_vertices + 1];
         for (int k = 1; k <= nv; ++k) {
             const vd c1 = ay[k] * az[k + 1] - az[k] * ay[k + 1];
             const vd c2 = az[k] * ax[k + 1] - ax[k] * az[k + 1];
@@ -228,7 +248,8 @@ void facet_block_range(const facet_block_face& f, const double* xs, const double
             uy[k] = c2 / cl[k];
             uz[k] = c3 / cl[k];
         }
-        const vd d = ax[1] * f.l + ay[1] * f.m + az[1] * f.n;
+        // The vector to vertex 1 once more, as ax[1], ay[1], az[1] hold it.
+        const vd d = (f.vx[0] - sx) * f.l + (f.vy[0] - sy) * f.m + (f.vz[0] - sz) * f.n;
 
         // Solid angle from the corner angles. At corner b between edges `before` (a x b) and
         // `after` (b x c), both of the scalar path's branches give cosine = -(before . after);
@@ -246,12 +267,7 @@ void facet_block_range(const facet_block_face& f, const double* xs, const double
             const vd back_dot = ax[c] * ux[eb] + ay[c] * uy[eb] + az[c] * uz[eb];
             const vi front = perp > 0.0;
             const vi turned = L::select(front, test_front, -back_dot) < 0.0;
-            // arc_cos: pi/2 + atan(-x / sqrt(1 - x^2)) inside (-1, 1), 0 from 1 up, else pi.
-            const vd inside =
-                pi / 2.0 + facet_lanes_atan<L>(-cosine / L::sqrt(1.0 - cosine * cosine));
-            const vd abs_cos = L::from_bits(L::bits(cosine) & 0x7FFFFFFFFFFFFFFF);
-            const vd angle = L::select(abs_cos < 1.0, inside,
-                                       L::select(cosine >= 1.0, L::splat(0.0), L::splat(pi)));
+            const vd angle = facet_lanes_arc_cos<L>(cosine);
             const vd corner = L::select(turned, two_pi - angle, angle);
             sum = sum + L::select(perp == 0.0, L::splat(0.0), corner);
         }
@@ -263,7 +279,12 @@ void facet_block_range(const facet_block_face& f, const double* xs, const double
         vi retry = {};
         for (int i = 1; i <= nv; ++i) {
             const vd r1 = dist[i], r2 = dist[i + 1];
-            retry |= L::sqrt(cl[i] * cl[i] / (r2 * r1)) < 0.1;
+            // Closeness sqrt(|b x a|^2 / (r2 r1)) < 0.1. Clear of the limit when the square
+            // beats 0.0102 times the product (which keeps the quotient above 0.0101 through
+            // every rounding); otherwise decided exactly as the scalar path does.
+            const vd cl2 = cl[i] * cl[i], r12 = r2 * r1;
+            const vi maybe_close = ~(cl2 > 0.0102 * r12);
+            if (L::any(maybe_close)) retry |= maybe_close & (L::sqrt(cl2 / r12) < 0.1);
             const double ex = f.ex[i - 1], ey = f.ey[i - 1], ez = f.ez[i - 1];
             vd b2 = 2.0 * (ax[i] * ex + ay[i] * ey + az[i] * ez);
             vd bh = b2 / len[i] / 2.0;
@@ -291,6 +312,17 @@ void facet_block_range(const facet_block_face& f, const double* xs, const double
             out.retry[k] = retry[i] != 0 ? 1 : 0;
         }
     }
+}
+
+template <class L>
+void facet_block_range(const facet_block_face& f, const double* xs, const double* ys,
+                       const double* zs, std::size_t count, const facet_block_terms& out) {
+    if (f.num_vertices == 3)
+        facet_block_range_of<L, 3>(f, xs, ys, zs, count, out);
+    else if (f.num_vertices == 4)
+        facet_block_range_of<L, 4>(f, xs, ys, zs, count, out);
+    else
+        facet_block_range_of<L, 0>(f, xs, ys, zs, count, out);
 }
 
 }  // namespace
