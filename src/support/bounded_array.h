@@ -35,10 +35,18 @@ template <class T>
 class array1 {
 public:
     array1() = default;
-    array1(int lo, int hi, const T& fill = T{}) { resize(lo, hi, fill); }
+    array1(int lo, int hi) { resize(lo, hi); }
+    array1(int lo, int hi, const T& fill) { resize(lo, hi, fill); }
 
-    // Re-dimensions to lo..hi; contents are not kept.
-    void resize(int lo, int hi, const T& fill = T{}) {
+    // Re-dimensions to lo..hi; contents are not kept: every entry is value-initialised, or
+    // `fill`.
+    void resize(int lo, int hi) {
+        lo_ = lo;
+        hi_ = std::max(hi, lo - 1);
+        data_.clear();
+        data_.resize(static_cast<std::size_t>(hi_ - lo_ + 1));
+    }
+    void resize(int lo, int hi, const T& fill) {
         lo_ = lo;
         hi_ = std::max(hi, lo - 1);
         data_.assign(static_cast<std::size_t>(hi_ - lo_ + 1), fill);
