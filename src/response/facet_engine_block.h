@@ -94,7 +94,8 @@ struct facet_lanes_base {
 // of Moshier (1989), the low part of pi/2 added back. In: a, b not both 0 (b = 0 gives pi/2);
 // out: radians in [0, pi/2]; NaN stays NaN.
 template <class L>
-typename L::vd facet_lanes_atan_ratio(typename L::vd a, typename L::vd b) {
+[[gnu::always_inline]] inline typename L::vd facet_lanes_atan_ratio(typename L::vd a,
+                                                                    typename L::vd b) {
     using vd = typename L::vd;
     constexpr double tan_3pi_8 = 2.41421356237309504880;
     constexpr double more_bits = 6.123233995736765886130e-17;
@@ -127,7 +128,7 @@ typename L::vd facet_lanes_atan_ratio(typename L::vd a, typename L::vd b) {
 
 // Arc tangent of any double: atan(|x| / 1) with the sign of x. atan(+-inf) = +-pi/2.
 template <class L>
-typename L::vd facet_lanes_atan(typename L::vd x) {
+[[gnu::always_inline]] inline typename L::vd facet_lanes_atan(typename L::vd x) {
     const auto sign = L::bits(x) & static_cast<std::int64_t>(0x8000000000000000);
     const typename L::vd y =
         facet_lanes_atan_ratio<L>(L::from_bits(L::bits(x) & ~sign), L::splat(1.0));
@@ -138,7 +139,7 @@ typename L::vd facet_lanes_atan(typename L::vd x) {
 // taken as atan_ratio(|x|, sqrt(1 - x^2)) with the sign of -x; 0 for x >= 1; pi below -1 and
 // for NaN. Out: radians in [0, pi].
 template <class L>
-typename L::vd facet_lanes_arc_cos(typename L::vd x) {
+[[gnu::always_inline]] inline typename L::vd facet_lanes_arc_cos(typename L::vd x) {
     constexpr double pi = 3.14159265358979;
     const auto sign = L::bits(x) & static_cast<std::int64_t>(0x8000000000000000);
     const typename L::vd ax = L::from_bits(L::bits(x) & ~sign);
@@ -153,7 +154,7 @@ typename L::vd facet_lanes_arc_cos(typename L::vd x) {
 // positive normal finite numbers (0, negative, subnormal, infinite, NaN) are taken by the C
 // library one at a time, so those values are the library's.
 template <class L>
-typename L::vd facet_lanes_log(typename L::vd x) {
+[[gnu::always_inline]] inline typename L::vd facet_lanes_log(typename L::vd x) {
     using vd = typename L::vd;
     using vi = typename L::vi;
     constexpr double ln2_hi = 6.93147180369123816490e-01;
