@@ -275,6 +275,35 @@ inline void add_station(const facet_face& face, std::size_t k, double omega, dou
     }
 }
 
+// add_station over a chunk of stations [start, start + count) whose terms are in `terms`
+// (index 0 is station start), in loops free of branches: adding a zero attraction where the
+// station is in the face's plane leaves the sum as it was, as skipping it does.
+template <class T>
+void add_chunk(const facet_face& face, std::size_t start, std::size_t count,
+               const facet_block_terms& terms, bool want_magnetic, bool want_gravity,
+               const facet_sums<T>& sums) {
+    const double l = face.l, m = face.m, n = face.n, p = face.p;
+    const double *omega = terms.omega, *P = terms.P, *Q = terms.Q, *R = terms.R, *d = terms.d;
+    if (want_magnetic) {
+        if (T* hx = sums.hx ? sums.hx + start : nullptr)
+            for (std::size_t i = 0; i < count; ++i)
+                hx[i] = static_cast<T>(hx[i] + p * (l * omega[i] + n * Q[i] - m * R[i]));
+        if (T* hy = sums.hy ? sums.hy + start : nullptr)
+            for (std::size_t i = 0; i < count; ++i)
+                hy[i] = static_cast<T>(hy[i] + p * (m * omega[i] + l * R[i] - n * P[i]));
+        if (T* hz = sums.hz ? sums.hz + start : nullptr)
+            for (std::size_t i = 0; i < count; ++i)
+                hz[i] = static_cast<T>(hz[i] + p * (n * omega[i] + m * P[i] - l * Q[i]));
+    }
+    if (want_gravity && sums.g) {
+        T* g = sums.g + start;
+        for (std::size_t i = 0; i < count; ++i) {
+            const double term = (n * omega[i] + m * P[i] - l * Q[i]) * d[i];
+            g[i] = static_cast<T>(g[i] - (d[i] != 0.0 ? term : 0.0));
+        }
+    }
+}
+
 facet_block_function block_function(facet_block_isa isa) {
 #if defined(TRENSIL_FACET_X86_LANES)
     if (isa == facet_block_isa::automatic) {
@@ -351,17 +380,18 @@ void facet_kernel(const facet_face& face, const facet_stations& stations, std::s
     for (std::size_t start = first; start < last; start += chunk) {
         const std::size_t count = std::min(chunk, last - start);
         block(bf, stations.x + start, stations.y + start, stations.z + start, count, terms);
+        // Stations on an edge line take the reference terms in place of the block's.
         for (std::size_t i = 0; i < count; ++i) {
+            if (retry[i] == 0) continue;
             const std::size_t k = start + i;
-            if (retry[i] != 0) {
-                face_terms(face, stations.x[k], stations.y[k], stations.z[k], scratch, t);
-                add_station(face, k, t.omega, t.P, t.Q, t.R, t.d, want_magnetic, want_gravity,
-                            sums);
-            } else {
-                add_station(face, k, omega[i], P[i], Q[i], R[i], d[i], want_magnetic, want_gravity,
-                            sums);
-            }
+            face_terms(face, stations.x[k], stations.y[k], stations.z[k], scratch, t);
+            omega[i] = t.omega;
+            P[i] = t.P;
+            Q[i] = t.Q;
+            R[i] = t.R;
+            d[i] = t.d;
         }
+        add_chunk(face, start, count, terms, want_magnetic, want_gravity, sums);
     }
 }
 

@@ -303,15 +303,24 @@ void facet_block_range_of(const facet_block_face& f, const double* xs, const dou
         }
 
         const int lanes = first + W <= count ? W : static_cast<int>(count - first);
-        for (int i = 0; i < lanes; ++i) {
-            const std::size_t k = first + static_cast<std::size_t>(i);
-            out.omega[k] = omega[i];
-            out.P[k] = P[i];
-            out.Q[k] = Q[i];
-            out.R[k] = R[i];
-            out.d[k] = d[i];
-            out.retry[k] = retry[i] != 0 ? 1 : 0;
+        if (lanes == W) {
+            L::store(out.omega + first, omega);
+            L::store(out.P + first, P);
+            L::store(out.Q + first, Q);
+            L::store(out.R + first, R);
+            L::store(out.d + first, d);
+        } else {
+            for (int i = 0; i < lanes; ++i) {
+                const std::size_t k = first + static_cast<std::size_t>(i);
+                out.omega[k] = omega[i];
+                out.P[k] = P[i];
+                out.Q[k] = Q[i];
+                out.R[k] = R[i];
+                out.d[k] = d[i];
+            }
         }
+        for (int i = 0; i < lanes; ++i)
+            out.retry[first + static_cast<std::size_t>(i)] = retry[i] != 0 ? 1 : 0;
     }
 }
 
