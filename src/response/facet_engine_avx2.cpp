@@ -17,6 +17,7 @@ typedef std::int64_t lanes_vi __attribute__((vector_size(32)));
 
 struct avx2_lanes : facet_lanes_base<lanes_vd, lanes_vi> {
     static vd sqrt(vd x) { return _mm256_sqrt_pd(x); }
+    static bool any(vi mask) { return _mm256_movemask_pd(__m256d(mask)) != 0; }
 };
 
 }  // namespace

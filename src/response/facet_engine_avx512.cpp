@@ -22,6 +22,7 @@ struct avx512_lanes : facet_lanes_base<lanes_vd, lanes_vi> {
         return __builtin_ia32_sqrtpd512_mask(x, x, static_cast<__mmask8>(-1),
                                              _MM_FROUND_CUR_DIRECTION);
     }
+    static bool any(vi mask) { return _mm512_test_epi64_mask(__m512i(mask), __m512i(mask)) != 0; }
 };
 
 }  // namespace

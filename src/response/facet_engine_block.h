@@ -189,9 +189,14 @@ template <class L>
     return y;
 }
 
-// Face terms at stations [0, count), `L::width` at a time; the last block is padded by
-// repeating the last station. `Vertices` fixes the face's vertex count at compile time (so that
-// triangles and quadrilaterals run from registers); 0 reads it from the face.
+// Terms of one flat face at stations [0, count), `L::width` stations at a time, the last block
+// padded by repeating the last station: face_terms of the scalar path, lane by lane.
+// In: vertices and stations in metres (x north, y east, z down), unit normal (l, m, n). Out: omega
+// in steradians, (P, Q, R) = sum over edges of I_i e_i and d in metres, where
+//   I_i = (1/L) ln((|a + e| + L + a.e/L) / (r1 + a.e/L)) (Blakely 1995; Singh and Guptasarma 2001).
+// A station in the face's plane has omega 0; one near an edge line is flagged for the scalar path.
+// `Vertices` fixes the vertex count at compile time (triangles and quadrilaterals then run from
+// registers); 0 reads it from the face.
 template <class L, int Vertices>
 void facet_block_range_of(const facet_block_face& f, const double* xs, const double* ys,
                           const double* zs, std::size_t count, const facet_block_terms& out) {
