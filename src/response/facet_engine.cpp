@@ -308,14 +308,18 @@ facet_block_function block_function(facet_block_isa isa) {
 #if defined(TRENSIL_FACET_X86_LANES)
     if (isa == facet_block_isa::automatic) {
         static const facet_block_function widest = [] {
+            // The processor's features may not be read yet when this runs during start-up.
+            __builtin_cpu_init();
             if (__builtin_cpu_supports("avx512f")) return &facet_block_avx512;
             if (__builtin_cpu_supports("avx2")) return &facet_block_avx2;
             return &facet_block_portable;
         }();
         return widest;
     }
-    if (isa == facet_block_isa::avx512) return &facet_block_avx512;
-    if (isa == facet_block_isa::avx2) return &facet_block_avx2;
+    // A kernel the processor cannot run is never called: the portable one stands in.
+    if (isa == facet_block_isa::avx512 && facet_block_isa_available(isa))
+        return &facet_block_avx512;
+    if (isa == facet_block_isa::avx2 && facet_block_isa_available(isa)) return &facet_block_avx2;
 #else
     (void)isa;
 #endif
@@ -331,8 +335,10 @@ bool facet_block_isa_available(facet_block_isa isa) {
             return true;
 #if defined(TRENSIL_FACET_X86_LANES)
         case facet_block_isa::avx2:
+            __builtin_cpu_init();
             return __builtin_cpu_supports("avx2");
         case facet_block_isa::avx512:
+            __builtin_cpu_init();
             return __builtin_cpu_supports("avx512f");
 #else
         default:

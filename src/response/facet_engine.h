@@ -83,7 +83,8 @@ bool prepare_facet(int num_vertices, double* vx, double* vy, double* vz, double*
                    double* ez, bool want_magnetic, float mx, float my, float mz, facet_face& face);
 
 // The block kernel that computes the per-station terms: `automatic` takes the widest the
-// processor has (AVX-512, AVX2, else the portable one). All of them give the same bits.
+// processor has (AVX-512, AVX2, else the portable one); one the processor lacks is replaced by the
+// portable one. All of them give the same bits.
 enum class facet_block_isa { automatic, portable, avx2, avx512 };
 
 // True when this processor and build can run `isa`.
