@@ -70,7 +70,7 @@ TEST_F(cli_tool, compute_on_the_example_writes_the_engine_response) {
     const std::string out = dir.file("example.csv");
     const cli_run r = run("compute " + q(example_model) + " -o " + q(out));
     ASSERT_EQ(r.status, 0) << r.err;
-    EXPECT_EQ(r.out.substr(0, 30), "stations 2001, bodies 2, magne");
+    EXPECT_EQ(r.out.substr(0, 30), "stations 2001, bodies 3, magne");
 
     // The same model loaded and computed here.
     scripted_platform ui;

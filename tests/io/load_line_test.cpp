@@ -36,8 +36,8 @@ TEST_F(load_line_chain, example_line_is_ready_to_compute) {
     EXPECT_EQ(p.inversion_first_station, 1);
     EXPECT_EQ(p.inversion_last_station, 2001);
     EXPECT_EQ(model.basemag, 49245.0f);  // set in the file: not replaced by the mean
-    ASSERT_EQ(model.num_bodies, 2);
-    EXPECT_EQ(model.body(2).body_response.col_hi(), 2001);
+    ASSERT_EQ(model.num_bodies, 3);
+    EXPECT_EQ(model.body(3).body_response.col_hi(), 2001);
 }
 
 TEST_F(load_line_chain, data_file_from_a_moved_folder_is_found_beside_the_model) {
