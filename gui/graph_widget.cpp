@@ -6,6 +6,7 @@
 #include <QPainterPath>
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace trensil {
 
@@ -143,12 +144,20 @@ QRectF graph_widget::plot_rect() const {
     return r;
 }
 
-QPointF graph_widget::to_pixel(double x, double y) const {
+graph_widget::pixel_frame graph_widget::frame() const {
     double x0, x1, y0, y1;
     axes(x0, x1, y0, y1);
-    const QRectF r = plot_rect();
-    return {r.left() + (x - x0) / (x1 - x0) * r.width(),
-            r.bottom() - (y - y0) / (y1 - y0) * r.height()};
+    pixel_frame f;
+    f.plot = plot_rect();
+    f.x0 = x0;
+    f.y0 = y0;
+    f.sx = f.plot.width() / (x1 - x0);
+    f.sy = f.plot.height() / (y1 - y0);
+    return f;
+}
+
+QPointF graph_widget::to_pixel(double x, double y) const {
+    return frame()(x, y);
 }
 
 QPointF graph_widget::to_world(QPointF pixel) const {
@@ -190,27 +199,29 @@ void graph_widget::paintEvent(QPaintEvent*) {
 
 void graph_widget::paint_graph(QPainter& p) const {
     p.fillRect(QRectF(0, 0, QWidget::width(), QWidget::height()), Qt::white);
-    const QRectF plot = plot_rect();
+    const pixel_frame f = frame();
+    const QRectF& plot = f.plot;
     p.setFont(font());
     if (!title.empty()) {
         p.setPen(Qt::black);
         p.drawText(QRectF(0, 2, QWidget::width(), plot.top() - 2), Qt::AlignCenter,
                    QString::fromStdString(title));
     }
-    paint_axes(p, plot);
+    paint_axes(p, f);
     p.save();
     p.setClipRect(plot);
-    paint_series(p, plot);
-    paint_objects(p, plot);
+    paint_series(p, f);
+    paint_objects(p, f);
     p.restore();
     p.setPen(QColor(96, 96, 96));
     p.setBrush(Qt::NoBrush);
     p.drawRect(plot);
 }
 
-void graph_widget::paint_axes(QPainter& p, const QRectF& plot) const {
-    double x0, x1, y0, y1;
-    axes(x0, x1, y0, y1);
+void graph_widget::paint_axes(QPainter& p, const pixel_frame& f) const {
+    const QRectF& plot = f.plot;
+    const double x0 = f.x0, y0 = f.y0;
+    const double x1 = x0 + plot.width() / f.sx, y1 = y0 + plot.height() / f.sy;
     const QFontMetricsF fm(font());
     p.setPen(QColor(210, 210, 210));
     auto ticks = [](double lo, double hi, double step, auto&& each) {
@@ -221,7 +232,7 @@ void graph_widget::paint_axes(QPainter& p, const QRectF& plot) const {
     };
     double last_label_right = -1e300;
     ticks(x0, x1, x_tick_step, [&](double v, double step) {
-        const double px = to_pixel(v, y0).x();
+        const double px = f(v, y0).x();
         p.setPen(QColor(225, 225, 225));
         p.drawLine(QPointF(px, plot.top()), QPointF(px, plot.bottom()));
         if (display_x_axis) {
@@ -235,7 +246,7 @@ void graph_widget::paint_axes(QPainter& p, const QRectF& plot) const {
         }
     });
     ticks(y0, y1, y_tick_step, [&](double v, double step) {
-        const double py = to_pixel(x0, v).y();
+        const double py = f(x0, v).y();
         p.setPen(QColor(225, 225, 225));
         p.drawLine(QPointF(plot.left(), py), QPointF(plot.right(), py));
         if (display_y_axis) {
@@ -247,11 +258,7 @@ void graph_widget::paint_axes(QPainter& p, const QRectF& plot) const {
     });
 }
 
-void graph_widget::paint_series(QPainter& p, const QRectF& plot) const {
-    double x0, x1, y0, y1;
-    axes(x0, x1, y0, y1);
-    const double sx = plot.width() / (x1 - x0);
-    const double sy = plot.height() / (y1 - y0);
+void graph_widget::paint_series(QPainter& p, const pixel_frame& f) const {
     static const QColor colours[] = {Qt::black, Qt::red, Qt::darkGreen, Qt::blue};
     p.setRenderHint(QPainter::Antialiasing, false);
     std::vector<QPointF> piece;
@@ -264,29 +271,58 @@ void graph_widget::paint_series(QPainter& p, const QRectF& plot) const {
             if (piece.size() > 1) p.drawPolyline(piece.data(), static_cast<int>(piece.size()));
             piece.clear();
         };
+        // Stations that fall in one pixel column are drawn as the first, lowest, highest and
+        // last of them, in order: the same picture from far fewer points on long lines.
+        long column = std::numeric_limits<long>::min();
+        std::size_t first = 0;
+        std::size_t low = 0, high = 0;
+        auto close_column = [&](std::size_t last) {
+            const std::size_t a = std::min(low, high), b = std::max(low, high);
+            std::size_t shown = std::numeric_limits<std::size_t>::max();
+            for (std::size_t k : {first, a, b, last}) {
+                if (k == shown) continue;
+                piece.push_back(f(series_.x[k], ys[k]));
+                shown = k;
+            }
+        };
+        std::size_t previous = 0;
+        bool open = false;
         for (std::size_t i = 0; i < series_.x.size(); ++i) {
             if (std::isnan(ys[i])) {
+                if (open) close_column(previous);
+                open = false;
+                column = std::numeric_limits<long>::min();
                 flush();
                 continue;
             }
-            piece.emplace_back(plot.left() + (series_.x[i] - x0) * sx,
-                               plot.bottom() - (ys[i] - y0) * sy);
+            const long c = std::lround(std::floor(f(series_.x[i], 0.0).x()));
+            if (!open || c != column) {
+                if (open) close_column(previous);
+                open = true;
+                column = c;
+                first = low = high = i;
+            } else {
+                if (ys[i] < ys[low]) low = i;
+                if (ys[i] > ys[high]) high = i;
+            }
+            previous = i;
         }
+        if (open) close_column(previous);
         flush();
     }
 }
 
-void graph_widget::paint_objects(QPainter& p, const QRectF& plot) const {
+void graph_widget::paint_objects(QPainter& p, const pixel_frame& f) const {
     p.setRenderHint(QPainter::Antialiasing, true);
     for (const object& o : objects_) {
         switch (o.what) {
             case object::line:
                 p.setPen(QPen(from_bgr(o.colour), std::max(o.width, 1)));
-                p.drawLine(to_pixel(o.points[0].x(), o.points[0].y()),
-                           to_pixel(o.points[1].x(), o.points[1].y()));
+                p.drawLine(f(o.points[0].x(), o.points[0].y()),
+                           f(o.points[1].x(), o.points[1].y()));
                 break;
             case object::marker: {
-                const QPointF c = to_pixel(o.points[0].x(), o.points[0].y());
+                const QPointF c = f(o.points[0].x(), o.points[0].y());
                 const double h = std::max(2.0, o.size / 3.0);
                 p.setPen(QPen(from_bgr(o.colour), 1.2));
                 p.drawLine(QPointF(c.x() - h, c.y()), QPointF(c.x() + h, c.y()));
@@ -295,7 +331,7 @@ void graph_widget::paint_objects(QPainter& p, const QRectF& plot) const {
             }
             case object::polygon: {
                 QPolygonF poly;
-                for (const QPointF& w : o.points) poly << to_pixel(w.x(), w.y());
+                for (const QPointF& w : o.points) poly << f(w.x(), w.y());
                 p.setPen(o.width > 0 ? QPen(from_bgr(o.colour), o.width)
                                      : QPen(from_bgr(o.colour), 0));
                 p.setBrush(o.fill == no_fill ? QBrush(Qt::NoBrush) : QBrush(from_bgr(o.fill)));
@@ -305,11 +341,10 @@ void graph_widget::paint_objects(QPainter& p, const QRectF& plot) const {
             }
             case object::text:
                 p.setPen(Qt::black);
-                p.drawText(to_pixel(o.points[0].x(), o.points[0].y()), o.label);
+                p.drawText(f(o.points[0].x(), o.points[0].y()), o.label);
                 break;
         }
     }
-    (void)plot;
 }
 
 void graph_widget::mouseMoveEvent(QMouseEvent* event) {

@@ -57,6 +57,15 @@ protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
+    // World to pixel mapping of one paint: the axes and the plot rectangle, worked out once.
+    struct pixel_frame {
+        QRectF plot;
+        double x0 = 0.0, y0 = 0.0, sx = 1.0, sy = 1.0;
+        QPointF operator()(double x, double y) const {
+            return {plot.left() + (x - x0) * sx, plot.bottom() - (y - y0) * sy};
+        }
+    };
+    pixel_frame frame() const;
     struct object {
         enum kind { line, marker, polygon, text } what = line;
         std::vector<QPointF> points;  // world coordinates
@@ -68,9 +77,9 @@ private:
     };
     // The axes in use: the set ones, or the loaded data's extent while they are unset.
     void axes(double& x0, double& x1, double& y0, double& y1) const;
-    void paint_axes(QPainter& p, const QRectF& plot) const;
-    void paint_series(QPainter& p, const QRectF& plot) const;
-    void paint_objects(QPainter& p, const QRectF& plot) const;
+    void paint_axes(QPainter& p, const pixel_frame& f) const;
+    void paint_series(QPainter& p, const pixel_frame& f) const;
+    void paint_objects(QPainter& p, const pixel_frame& f) const;
 
     plot_data series_;
     std::vector<object> objects_;
