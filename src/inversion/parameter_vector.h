@@ -10,29 +10,11 @@
 //   apply_parameter(model, state, 3, proximity);
 #pragma once
 
+#include "core/body_catalogue.h"
 #include "core/model_record.h"
 #include "inversion/inversion_state.h"
 
 namespace trensil {
-
-// A body property by its row in the body table.
-enum property_row : int {
-    row_distance = 4,
-    row_strike = 5,
-    row_dip = 6,
-    row_top = 7,
-    row_depth_extent = 8,
-    row_width = 9,
-    row_length = 10,
-    row_susc = 11,
-    row_density = 12,
-    row_plunge = 13,
-    row_slope = 14,
-    row_offset = 15,
-    row_rem_q = 16,
-    row_rem_i = 17,
-    row_rem_d = 18,
-};
 
 // The property of `body` that a table row stands for; null for a number that is no property row.
 parameter* property_by_row(body_record& body, int row);
