@@ -149,13 +149,24 @@ TEST(registry_export, writes_the_key_and_its_subkeys_and_reads_them_back) {
     EXPECT_EQ(fresh.KeyExists("HKCU\\Software\\Other"), registry_not_found);
 }
 
-TEST(registry_import, applies_deletions_types_and_comments) {
+TEST(registry_import, refuses_a_file_without_the_first_line_then_applies_one) {
     scratch_dir dir("reg_import");
-    clsRegistryAccess reg(dir.file("store.reg"));
+    const std::string store = dir.file("store.reg");
+    clsRegistryAccess reg(store);
     reg.CreateKeyIfDoesntExists(true);
     reg.WriteString("HKCU\\Software\\A", "Gone", "x");
     reg.WriteString("HKCU\\Software\\A", "Kept", "y");
     reg.WriteString("HKCU\\Software\\B\\Deep", "Any", "z");
+    const std::string before = read_all(store);
+
+    write_all(dir.file("no_head.reg"), "[HKCU\\Software\\A]\r\n\"Kept\"=-\r\n");
+    // Lines are split at CR LF only: a file with bare line feeds has no "REGEDIT4" first line.
+    write_all(dir.file("lf.reg"), "REGEDIT4\n[HKCU\\Software\\A]\n\"Kept\"=-\n");
+    for (const char* refused : {"no_head.reg", "lf.reg", "missing.reg"})
+        EXPECT_FALSE(reg.ImportFromReg(dir.file(refused))) << refused;
+    write_all(dir.file("comments.reg"), "REGEDIT4\r\n; one\r\n;[-HKCU\\Software\\A]\r\n\r\n");
+    EXPECT_TRUE(reg.ImportFromReg(dir.file("comments.reg")));
+    EXPECT_EQ(read_all(store), before);
 
     const std::string file = dir.file("in.reg");
     write_all(file,
@@ -183,28 +194,6 @@ TEST(registry_import, applies_deletions_types_and_comments) {
     EXPECT_EQ(reg.KeyExists("HKCU\\Software\\B"), registry_not_found);
     EXPECT_EQ(reg.KeyExists("HKCU\\Software\\B\\Deep"), registry_not_found);
     EXPECT_EQ(reg.EnumValues("HKCU\\Software"), strings{});
-}
-
-TEST(registry_import, refuses_a_file_without_the_first_line_and_ignores_comments) {
-    scratch_dir dir("reg_refuse");
-    const std::string store = dir.file("store.reg");
-    clsRegistryAccess reg(store);
-    reg.CreateKeyIfDoesntExists(true);
-    reg.WriteString("HKCU\\Software\\A", "Kept", "y");
-    const std::string before = read_all(store);
-
-    write_all(dir.file("no_head.reg"), "[HKCU\\Software\\A]\r\n\"Kept\"=-\r\n");
-    EXPECT_FALSE(reg.ImportFromReg(dir.file("no_head.reg")));
-    // Lines are split at CR LF only: a file with bare line feeds has no "REGEDIT4" first line.
-    write_all(dir.file("lf.reg"), "REGEDIT4\n[HKCU\\Software\\A]\n\"Kept\"=-\n");
-    EXPECT_FALSE(reg.ImportFromReg(dir.file("lf.reg")));
-    EXPECT_FALSE(reg.ImportFromReg(dir.file("missing.reg")));
-    EXPECT_EQ(reg.ReadString("HKCU\\Software\\A", "Kept"), "y");
-
-    write_all(dir.file("comments.reg"), "REGEDIT4\r\n; one\r\n;[-HKCU\\Software\\A]\r\n\r\n");
-    EXPECT_TRUE(reg.ImportFromReg(dir.file("comments.reg")));
-    EXPECT_EQ(reg.ReadString("HKCU\\Software\\A", "Kept"), "y");
-    EXPECT_EQ(read_all(store), before);
 }
 
 TEST(registry_binary_text, converts_hex_pairs_and_checks_characters) {

@@ -25,7 +25,7 @@ struct graphs_fixture {
     }
 };
 
-TEST(graph_ranges, calculated_gravity_and_gradients_do_not_widen) {
+TEST(graph_ranges, computed_channels_do_not_widen_and_flat_data_widen_by_one) {
     model_record model = line_model(5, 10.0f);
     profile_block& p = model.profile;
     for (int i = 1; i <= 5; ++i) {
@@ -52,18 +52,17 @@ TEST(graph_ranges, calculated_gravity_and_gradients_do_not_widen) {
     p.mag_channels(observed_level, 3) = -1000.0f;
     setup_graph_data_ranges(model, view);
     EXPECT_FLOAT_EQ(p.mag_min, 90.0f);
-}
 
-TEST(graph_ranges, flat_data_widen_by_one_each_side) {
-    model_record model = line_model(5, 10.0f);
-    for (int i = 1; i <= 5; ++i) model.profile.mag_channels(observed_level, i) = 7.0f;
-    graph_view_state view;
-    setup_graph_data_ranges(model, view);
+    // Flat data widen by one each side.
+    model_record flat = line_model(5, 10.0f);
+    for (int i = 1; i <= 5; ++i) flat.profile.mag_channels(observed_level, i) = 7.0f;
+    graph_view_state flat_view;
+    setup_graph_data_ranges(flat, flat_view);
     recording_graph_control g;
-    display_maginv_model(model, view, {&g, nullptr, nullptr, nullptr, nullptr}, {}, 0, 0);
+    display_maginv_model(flat, flat_view, {&g, nullptr, nullptr, nullptr, nullptr}, {}, 0, 0);
     EXPECT_FLOAT_EQ(g.yaxismin, 6.0f);
     EXPECT_FLOAT_EQ(g.yaxismax, 8.0f);
-    EXPECT_FLOAT_EQ(view.graph_yspan[0], 2.0f);
+    EXPECT_FLOAT_EQ(flat_view.graph_yspan[0], 2.0f);
 }
 
 TEST(graph_ranges, inversion_window_lines_inside_the_profile_only) {
@@ -108,9 +107,8 @@ TEST(graph_zoom, ratio_sets_view_and_pan_range) {
 
 TEST(graph_zoom, combo_entries_and_typed_text) {
     float ratio = 3.0f;
-    EXPECT_FALSE(zoom_ratio_for_text("99", ratio));
-    EXPECT_FALSE(zoom_ratio_for_text("10001", ratio));
-    EXPECT_FALSE(zoom_ratio_for_text("150%", ratio));
+    for (const char* refused : {"99", "10001", "150%"})
+        EXPECT_FALSE(zoom_ratio_for_text(refused, ratio));
     EXPECT_FLOAT_EQ(ratio, 3.0f);
     ASSERT_TRUE(zoom_ratio_for_text("1000", ratio));
     EXPECT_FLOAT_EQ(ratio, zoom_ratio_for_entry(8, "1000%"));

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 
@@ -38,10 +39,9 @@ struct workspace_fixture {
 class workspace_test : public ::testing::Test {
 protected:
     void SetUp() override {
-        folder_ =
-            std::filesystem::temp_directory_path() /
-            ("trensil_ws_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) +
-             "_" + ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        folder_ = std::filesystem::temp_directory_path() /
+                  ("trensil_ws_" + std::to_string(::getpid()) + "_" +
+                   ::testing::UnitTest::GetInstance()->current_test_info()->name());
         std::filesystem::create_directories(folder_);
         old_ = std::filesystem::current_path();
         std::filesystem::current_path(folder_);
@@ -51,38 +51,24 @@ protected:
         std::filesystem::remove_all(folder_);
     }
     std::filesystem::path folder_, old_;
+    workspace_fixture f;
 };
 
-TEST_F(workspace_test, first_start_keeps_defaults_and_design_size) {
-    workspace_fixture f;
-    form_load(f.ws);
-    EXPECT_EQ(f.view.text("Text_mag_intensity"), "56000");
-    EXPECT_EQ(f.view.text("Text_mag_inclination"), "-65");
-    EXPECT_EQ(f.view.width, 12000);
-    EXPECT_EQ(f.view.items["Combo_model_type"],
-              (std::vector<std::string>{"Thin Sheet", "Thick Sheet", "Cylinder/Pipe"}));
-    EXPECT_TRUE(f.ws.modeller_open);
-    EXPECT_TRUE(f.ws.form_ready);
-    EXPECT_FALSE(f.ws.updating_display);
-    EXPECT_EQ(f.controls[0].title, "Total Magnetic Intensity (black = obseved, red = modelled)");
-}
-
 TEST_F(workspace_test, settings_written_at_unload_come_back_at_load) {
-    workspace_fixture first;
-    form_load(first.ws);
-    first.view.texts["Text_mag_intensity"] = "51000";
-    first.view.texts["Text_mag_inclination"] = "-55.5";
-    first.view.texts["Text_mag_declination"] = "3";
-    first.view.checks["menu_display_axes"] = false;
-    first.view.resize_form(9000, 7000);
-    form_unload(first.ws);
-    EXPECT_FALSE(first.ws.modeller_open);
-    EXPECT_EQ(first.setting("FormSize"), "9000;7000");
-    EXPECT_EQ(first.setting("DisplayAxes"), "0");
-    EXPECT_EQ(first.setting("WorkingDirectory"), std::filesystem::current_path().string());
+    form_load(f.ws);
+    f.view.texts["Text_mag_intensity"] = "51000";
+    f.view.texts["Text_mag_inclination"] = "-55.5";
+    f.view.texts["Text_mag_declination"] = "3";
+    f.view.checks["menu_display_axes"] = false;
+    f.view.resize_form(9000, 7000);
+    form_unload(f.ws);
+    EXPECT_FALSE(f.ws.modeller_open);
+    EXPECT_EQ(f.setting("FormSize"), "9000;7000");
+    EXPECT_EQ(f.setting("DisplayAxes"), "0");
+    EXPECT_EQ(f.setting("WorkingDirectory"), std::filesystem::current_path().string());
 
     workspace_fixture second;
-    second.settings = first.settings;
+    second.settings = f.settings;
     form_load(second.ws);
     EXPECT_EQ(second.view.text("Text_mag_intensity"), "51000");
     EXPECT_FLOAT_EQ(second.ws.model.mag_inclination, -55.5f);
@@ -93,8 +79,7 @@ TEST_F(workspace_test, settings_written_at_unload_come_back_at_load) {
     EXPECT_FALSE(second.controls[4].display_x_axis);
 }
 
-TEST_F(workspace_test, unusable_settings_leave_the_defaults) {
-    workspace_fixture f;
+TEST_F(workspace_test, unusable_settings_leave_the_defaults_and_design_size) {
     f.settings.save_setting("Ostrand", "Trensil", "FormSize", "");
     f.settings.save_setting("Ostrand", "Trensil", "MagIntensity", "strong");
     f.settings.save_setting("Ostrand", "Trensil", "WorkingDirectory", "/no/such/folder");
@@ -102,6 +87,11 @@ TEST_F(workspace_test, unusable_settings_leave_the_defaults) {
     EXPECT_EQ(f.view.width, 12000);
     EXPECT_FLOAT_EQ(f.ws.model.mag_intensity, 56000.0f);
     EXPECT_EQ(f.view.text("Text_mag_intensity"), "56000");
+    EXPECT_EQ(f.view.text("Text_mag_inclination"), "-65");
+    EXPECT_EQ(f.view.items["Combo_model_type"],
+              (std::vector<std::string>{"Thin Sheet", "Thick Sheet", "Cylinder/Pipe"}));
+    EXPECT_TRUE(f.ws.modeller_open && f.ws.form_ready && !f.ws.updating_display);
+    EXPECT_EQ(f.controls[0].title, "Total Magnetic Intensity (black = obseved, red = modelled)");
 
     // An empty intensity box stores no field texts at unload.
     f.view.texts["Text_mag_intensity"] = "";
@@ -110,7 +100,6 @@ TEST_F(workspace_test, unusable_settings_leave_the_defaults) {
 }
 
 TEST_F(workspace_test, opened_from_project_hides_the_data_definitions) {
-    workspace_fixture f;
     f.ws.opened_from_project = true;
     form_load(f.ws);
     EXPECT_FALSE(f.view.visible("Frame_qvx_data_file_definitions"));
@@ -118,7 +107,6 @@ TEST_F(workspace_test, opened_from_project_hides_the_data_definitions) {
 }
 
 TEST_F(workspace_test, body_defaults_store_eight_values_only) {
-    workspace_fixture f;
     form_load(f.ws);
     save_body_defaults(f.ws);  // no body: nothing
     EXPECT_EQ(f.settings.size(), 0u);
@@ -138,9 +126,8 @@ TEST_F(workspace_test, body_defaults_store_eight_values_only) {
 }
 
 TEST_F(workspace_test, model_fields_follow_their_acceptance_rules) {
-    workspace_fixture f;
     form_load(f.ws);
-    model_record& m = f.ws.model;
+    const model_record& m = f.ws.model;
     f.type("Text_MAGINV_ypos", "abc");
     EXPECT_EQ(m.ypos, 0);  // "not used"
     f.type("Text_MAGINV_xpos", "abc");
@@ -154,7 +141,7 @@ TEST_F(workspace_test, model_fields_follow_their_acceptance_rules) {
     EXPECT_TRUE(f.ws.model_changed);
 
     // A change of 0.05 in the sensor offset changes nothing, not even the stored value.
-    m.profile_ready = -1;
+    f.ws.model.profile_ready = -1;
     f.type("Text_MAGINV_sensor_offset", "10.05");
     EXPECT_FLOAT_EQ(m.sensor_offset, 10.0f);
     EXPECT_EQ(m.profile_ready, -1);
@@ -175,20 +162,15 @@ TEST_F(workspace_test, model_fields_follow_their_acceptance_rules) {
     EXPECT_EQ(m.xpos, 4);
 }
 
-TEST_F(workspace_test, reading_a_missing_or_cancelled_file) {
-    workspace_fixture f;
+TEST_F(workspace_test, opened_model_is_drawn_zoomed_panned_and_shown_in_plan) {
     form_load(f.ws);
     EXPECT_EQ(menu_open_model(f.ws, 0), -1);  // cancelled
     EXPECT_TRUE(f.ui.messages.empty());
     f.ui.file_answers.push_back(std::string("/no/such/model.qvx"));
     EXPECT_EQ(menu_open_model(f.ws, 0), -1);
-    ASSERT_EQ(f.ui.messages.size(), 1u);
-    EXPECT_EQ(f.ui.messages[0], "That file does not exist");
-}
+    ASSERT_EQ(f.ui.messages, std::vector<std::string>{"That file does not exist"});
+    f.ui.messages.clear();
 
-TEST_F(workspace_test, opened_model_is_drawn_on_all_graphs) {
-    workspace_fixture f;
-    form_load(f.ws);
     const std::string path = testing_files::write_example_model(folder_ / "lines");
     ASSERT_EQ(open_model_file(f.ws, path), 0) << (f.ui.messages.empty() ? "" : f.ui.messages[0]);
     EXPECT_EQ(f.view.caption, "Trensil: line_a.qvx");
