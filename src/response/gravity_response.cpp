@@ -8,6 +8,7 @@
 #include "response/facet_engine.h"
 #include "response/polyhedron_response.h"
 #include "response/prism_corners.h"
+#include "response/response_inputs.h"
 #include "response/solid_tessellation.h"
 #include "response/strike_frame.h"
 
@@ -16,29 +17,6 @@ namespace trensil {
 namespace {
 
 const std::string grav_failure_text = "An error occurred while calculating the gravity response: ";
-
-std::string check_inputs(const model_record& model, const body_record& body) {
-    if (auto d = non_finite_description(model.profile.profile_azimuth); !d.empty()) return d;
-    for (int k = 0; k < body_property_count; ++k) {
-        if (auto d = non_finite_description(body.property(k).value); !d.empty()) return d;
-    }
-    const profile_block& p = model.profile;
-    for (int row = easting_row; row <= sensor_row; ++row) {
-        const double* r = p.location.row(row);
-        for (int i = 0; i < p.num_stations; ++i) {
-            if (auto d = non_finite_description(r[i]); !d.empty()) return d;
-        }
-    }
-    return "";
-}
-
-// Adds `value` to row 2 at station i (1-based), refusing a sum that cannot be stored.
-std::string add_to(float* row, int i, double value) {
-    const double sum = static_cast<double>(row[i - 1]) + value;
-    std::string d = non_finite_description(sum);
-    if (d.empty()) row[i - 1] = static_cast<float>(sum);
-    return d;
-}
 
 // Infinite strike: the section's five points (the fifth closes it) summed edge by edge at each
 // station, h the station's height above the top, not clamped.
@@ -59,7 +37,7 @@ std::string section_path(model_record& model, body_record& body, double A, doubl
             double x1 = xs[k] - u, x2 = xs[k + 1] - u, z1 = zs[k] - h, z2 = zs[k + 1] - h;
             sum += polygon_edge_gravity(x1, x2, z1, z2);
         }
-        if (auto d = add_to(row, i, sum); !d.empty()) return d;
+        if (auto d = add_to_response_row(row, i, sum); !d.empty()) return d;
     }
     return "";
 }
@@ -110,7 +88,9 @@ std::string solid_path(model_record& model, response_state& state, int body_inde
                         model.profile, result.data());
     float* row = body.body_response.row(gravity_row);
     for (int i = 1; i <= n; ++i) {
-        if (auto d = add_to(row, i, result[static_cast<std::size_t>(i - 1)]); !d.empty()) return d;
+        if (auto d = add_to_response_row(row, i, result[static_cast<std::size_t>(i - 1)]);
+            !d.empty())
+            return d;
     }
     return "";
 }
@@ -119,7 +99,7 @@ std::string grav_response_body(model_record& model, response_state& state, int b
     body_record& body = model.body(body_index);
     profile_block& p = model.profile;
     const int n = p.num_stations;
-    if (auto d = check_inputs(model, body); !d.empty()) return d;
+    if (auto d = first_non_finite_input(model, body); !d.empty()) return d;
 
     body.cos_dip = static_cast<float>(std::cos(body.dip.value * degrees_to_radians));
     body.sin_dip = static_cast<float>(std::sin(body.dip.value * degrees_to_radians));

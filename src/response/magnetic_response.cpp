@@ -9,6 +9,7 @@
 #include "response/field_coefficients.h"
 #include "response/polyhedron_response.h"
 #include "response/prism_corners.h"
+#include "response/response_inputs.h"
 #include "response/solid_tessellation.h"
 #include "response/strike_frame.h"
 
@@ -24,33 +25,20 @@ struct row_adder {
     float* row;
     std::string failure;
     bool add(int i, double value) {
-        const double sum = static_cast<double>(row[i - 1]) + value;
-        failure = non_finite_description(sum);
-        if (!failure.empty()) return false;
-        row[i - 1] = static_cast<float>(sum);
-        return true;
+        failure = add_to_response_row(row, i, value);
+        return failure.empty();
     }
 };
 
-// The first input of a body's response that is not a finite number, as its description.
+// The first input of a body's response that is not a finite number, as its description: the
+// earth field, then what the gravity response checks too.
 std::string check_inputs(const model_record& model, const body_record& body) {
     for (double v :
          {static_cast<double>(model.mag_intensity), static_cast<double>(model.mag_inclination),
-          static_cast<double>(model.mag_declination),
-          static_cast<double>(model.profile.profile_azimuth)}) {
+          static_cast<double>(model.mag_declination)}) {
         if (auto d = non_finite_description(v); !d.empty()) return d;
     }
-    for (int k = 0; k < body_property_count; ++k) {
-        if (auto d = non_finite_description(body.property(k).value); !d.empty()) return d;
-    }
-    const profile_block& p = model.profile;
-    for (int row = easting_row; row <= sensor_row; ++row) {
-        const double* r = p.location.row(row);
-        for (int i = 0; i < p.num_stations; ++i) {
-            if (auto d = non_finite_description(r[i]); !d.empty()) return d;
-        }
-    }
-    return "";
+    return first_non_finite_input(model, body);
 }
 
 // Height of the station above the body's top, held at 0.1 for a station at or below it.
