@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "core/body_catalogue.h"
+#include "response/facet_closed_forms.h"
 #include "response_test_model.h"
 
 namespace trensil {
@@ -12,22 +13,6 @@ namespace {
 
 using testing_support::line_model;
 using testing_support::state_for;
-
-// Attraction (downward) of a uniform rectangular prism per unit G rho, the station at the origin,
-// x and y horizontal, z positive down (Nagy 1966):
-// -sum over corners of s [x ln(y + r) + y ln(x + r) - z atan(x y / (z r))].
-double prism_attraction(const double (&x)[2], const double (&y)[2], const double (&z)[2]) {
-    double sum = 0.0;
-    for (int i = 0; i < 2; ++i)
-        for (int j = 0; j < 2; ++j)
-            for (int k = 0; k < 2; ++k) {
-                const double s = (i ? 1 : -1) * (j ? 1 : -1) * (k ? 1 : -1);
-                const double r = std::sqrt(x[i] * x[i] + y[j] * y[j] + z[k] * z[k]);
-                sum += s * (x[i] * std::log(y[j] + r) + y[j] * std::log(x[i] + r) -
-                            z[k] * std::atan(x[i] * y[j] / (z[k] * r)));
-            }
-    return -sum;
-}
 
 // Attraction of an infinitely long 2-D rectangle per unit G rho: 2 [F] over the corners with
 // F(x, z) = x ln(x^2 + z^2) / 2 + z atan(x / z), z positive down.
@@ -55,32 +40,26 @@ model_record east_line_with_sheet(double length) {
     return model;
 }
 
-TEST(polygon_edge_gravity, stays_finite_on_level_and_vertical_edges_and_at_a_corner) {
-    double x1 = 10, x2 = 10, z1 = -5, z2 = -40;  // vertical edge
-    EXPECT_TRUE(std::isfinite(polygon_edge_gravity(x1, x2, z1, z2)));
-    EXPECT_DOUBLE_EQ(x2, 10.001);           // stretched by the 0.001 floor
-    x1 = -30, x2 = 30, z1 = -20, z2 = -20;  // level edge
-    EXPECT_TRUE(std::isfinite(polygon_edge_gravity(x1, x2, z1, z2)));
-    EXPECT_DOUBLE_EQ(z2, -19.999);
-    x1 = 0, x2 = 50, z1 = -10, z2 = -60;  // station straight above the corner
-    EXPECT_TRUE(std::isfinite(polygon_edge_gravity(x1, x2, z1, z2)));
-    EXPECT_EQ(x1, 1e-9);
+float grav(model_record& model, int i) {
+    return model.body(1).body_response(gravity_row, i);
 }
 
-TEST(polygon_edge_gravity, reversing_the_winding_negates_the_sum) {
-    // A rectangle below the station, corners in both orders.
-    const double xs[] = {-20, 60, 60, -20, -20};
-    const double zs[] = {-30, -30, -90, -90, -30};
-    double forward = 0, backward = 0;
-    for (int k = 0; k < 4; ++k) {
-        double a = xs[k], b = xs[k + 1], c = zs[k], d = zs[k + 1];
-        forward += polygon_edge_gravity(a, b, c, d);
-        a = xs[4 - k], b = xs[3 - k], c = zs[4 - k], d = zs[3 - k];
-        backward += polygon_edge_gravity(a, b, c, d);
+TEST(polygon_edge_gravity, floors_keep_level_vertical_and_corner_edges_finite) {
+    struct edge_case {
+        const char* name;
+        double x1, x2, z1, z2;
+        int which;        // the caller's variable the floor moves: 0 x1, 1 x2, 3 z2
+        double expected;  // and its new value
+    };
+    const edge_case cases[] = {{"vertical", 10, 10, -5, -40, 1, 10.001},
+                               {"level", -30, 30, -20, -20, 3, -19.999},
+                               {"above a corner", 0, 50, -10, -60, 0, 1e-9}};
+    for (const edge_case& c : cases) {
+        SCOPED_TRACE(c.name);
+        double v[4] = {c.x1, c.x2, c.z1, c.z2};
+        EXPECT_TRUE(std::isfinite(polygon_edge_gravity(v[0], v[1], v[2], v[3])));
+        EXPECT_DOUBLE_EQ(v[c.which], c.expected);
     }
-    // The 0.001 floor on the level edges is not mirrored: 1e-4 relative.
-    EXPECT_NEAR(forward, -backward, 1e-4 * std::fabs(forward));
-    EXPECT_NE(forward, 0.0);
 }
 
 // The infinite-strike sum takes density x 0.00667 with no factor 2: half the textbook 2 G rho
@@ -95,9 +74,7 @@ TEST(infinite_strike_gravity, is_half_the_two_dimensional_rectangle) {
         const double e = model.profile.location(easting_row, i);
         const double textbook = 0.00667 * 0.5 * rectangle_attraction(300 - e, 500 - e, 50.0, 200.0);
         // Single-precision storage and the 0.001 floors on the level edges: 1e-4 relative.
-        EXPECT_NEAR(model.body(1).body_response(gravity_row, i), textbook / 2,
-                    1e-4 * std::fabs(textbook))
-            << "station " << i;
+        EXPECT_NEAR(grav(model, i), textbook / 2, 1e-4 * std::fabs(textbook)) << "station " << i;
     }
 }
 
@@ -111,12 +88,10 @@ TEST(strike_limited_gravity, matches_the_rectangular_prism) {
     double worst = 0;
     for (int i = 1; i <= model.profile.num_stations; ++i) {
         const double e = model.profile.location(easting_row, i);
-        const double x[2] = {837.0 - 1000.0, 1237.0 - 1000.0};
-        const double y[2] = {300.0 - e, 500.0 - e};
-        const double z[2] = {50.0, 200.0};
-        const double expected = 0.00667 * 0.5 * prism_attraction(x, y, z);
-        const double got = model.body(1).body_response(gravity_row, i);
-        worst = std::max(worst, std::fabs(got - expected) / std::fabs(expected));
+        const double expected = 0.00667 * 0.5 *
+                                testing_shapes::prism_attraction({837.0 - 1000.0, 1237.0 - 1000.0,
+                                                                  300.0 - e, 500.0 - e, 50, 200});
+        worst = std::max(worst, std::fabs(grav(model, i) - expected) / std::fabs(expected));
     }
     EXPECT_LT(worst, 1e-5);
 }
@@ -130,49 +105,38 @@ TEST(strike_limited_gravity, long_prism_is_twice_the_infinite_section) {
     model_record long_prism = east_line_with_sheet(200000.0);
     calculate_grav_response(infinite, state, 1);
     calculate_grav_response(long_prism, state, 1);
-    for (int i = 1; i <= infinite.profile.num_stations; ++i) {
-        const double two_d = infinite.body(1).body_response(gravity_row, i);
-        const double three_d = long_prism.body(1).body_response(gravity_row, i);
-        EXPECT_NEAR(three_d, 2.0 * two_d, 5e-3 * std::fabs(three_d)) << "station " << i;
-    }
+    for (int i = 1; i <= infinite.profile.num_stations; ++i)
+        EXPECT_NEAR(grav(long_prism, i), 2.0 * grav(infinite, i),
+                    5e-3 * std::fabs(grav(long_prism, i)))
+            << "station " << i;
 }
 
 TEST(gravity_response, edge_cases_of_the_section) {
     scripted_platform ui;
     response_state state = state_for(ui);
-
+    auto run = [&](auto edit) {
+        model_record model = east_line_with_sheet(0.0);
+        edit(model.body(1));
+        calculate_grav_response(model, state, 1);
+        return model;
+    };
     // Depth extent 0 reaches 1000 widths down: the same as an explicit 200 km.
-    model_record deep = east_line_with_sheet(0.0);
-    deep.body(1).depth_extent.value = 0.0f;
-    model_record explicit_depth = east_line_with_sheet(0.0);
-    explicit_depth.body(1).depth_extent.value = 200000.0f;
-    calculate_grav_response(deep, state, 1);
-    calculate_grav_response(explicit_depth, state, 1);
-    EXPECT_FLOAT_EQ(deep.body(1).body_response(gravity_row, 5),
-                    explicit_depth.body(1).body_response(gravity_row, 5));
-
-    // Density 0: nothing.
-    model_record empty = east_line_with_sheet(0.0);
-    empty.body(1).density.value = 0.0f;
-    calculate_grav_response(empty, state, 1);
-    for (int i = 1; i <= 20; ++i) EXPECT_EQ(empty.body(1).body_response(gravity_row, i), 0.0f);
-
+    model_record deep = run([](body_record& b) { b.depth_extent.value = 0.0f; });
+    model_record explicit_depth = run([](body_record& b) { b.depth_extent.value = 200000.0f; });
+    EXPECT_FLOAT_EQ(grav(deep, 5), grav(explicit_depth, 5));
     // A horizontal sheet (dip 0): no shift of the bottom, and still finite.
-    model_record flat = east_line_with_sheet(0.0);
-    flat.body(1).dip.value = 0.0f;
-    calculate_grav_response(flat, state, 1);
-    EXPECT_GT(flat.body(1).body_response(gravity_row, 8), 0.0f);
-
+    model_record flat = run([](body_record& b) { b.dip.value = 0.0f; });
+    EXPECT_GT(grav(flat, 8), 0.0f);
     // A station exactly above a corner of the section (east 300 is station 7).
-    model_record corner = east_line_with_sheet(0.0);
-    calculate_grav_response(corner, state, 1);
-    EXPECT_TRUE(std::isfinite(corner.body(1).body_response(gravity_row, 7)));
-
-    // Types without a gravity response keep row 2 at 0.
-    model_record edge = east_line_with_sheet(0.0);
-    edge.body(1).type = edge_body;
-    calculate_grav_response(edge, state, 1);
-    EXPECT_EQ(edge.body(1).body_response(gravity_row, 8), 0.0f);
+    model_record corner = run([](body_record&) {});
+    EXPECT_TRUE(std::isfinite(grav(corner, 7)));
+    // Density 0 and types without a gravity response keep row 2 at 0.
+    model_record empty = run([](body_record& b) { b.density.value = 0.0f; });
+    model_record edge = run([](body_record& b) { b.type = edge_body; });
+    for (int i = 1; i <= 20; ++i) {
+        EXPECT_EQ(grav(empty, i), 0.0f);
+        EXPECT_EQ(grav(edge, i), 0.0f);
+    }
     EXPECT_TRUE(ui.messages.empty());
 }
 
@@ -189,7 +153,7 @@ TEST(gravity_response, non_finite_input_is_reported_and_leaves_the_row_at_zero) 
     EXPECT_EQ(ui.messages.back(),
               "An error occurred while calculating the gravity response: Invalid procedure call "
               "or argument");
-    EXPECT_EQ(model.body(1).body_response(gravity_row, 5), 0.0f);
+    EXPECT_EQ(grav(model, 5), 0.0f);
 }
 
 }  // namespace

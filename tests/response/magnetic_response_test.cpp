@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "core/body_catalogue.h"
+#include "response/facet_closed_forms.h"
 #include "response/field_coefficients.h"
 #include "response/gravity_response.h"
 #include "response_test_model.h"
@@ -19,35 +20,9 @@ using testing_support::state_for;
 constexpr double kPi = 3.14159265358979;
 constexpr double kRad = kPi / 180.0;
 
-// Total-field anomaly (nT) of a uniform rectangular prism with induced magnetisation, station at
-// the origin, frame x north, y east, z down. J = k F / (4 pi) in nT; dT = J f . Gamma . f with
-// Gamma the prism's tensor of second derivatives of 1/r: Gamma_xx = -sum s atan(y z / (x r)),
-// Gamma_xy = sum s ln(z + r), and their permutations (Bhattacharyya 1964).
-double prism_total_field(const double (&x)[2], const double (&y)[2], const double (&z)[2],
-                         double susc_si, double F, double incl, double decl) {
-    const double f[3] = {std::cos(decl) * std::cos(incl), std::sin(decl) * std::cos(incl),
-                         std::sin(incl)};
-    double g[3][3] = {};
-    for (int i = 0; i < 2; ++i)
-        for (int j = 0; j < 2; ++j)
-            for (int k = 0; k < 2; ++k) {
-                const double s = (i ? 1 : -1) * (j ? 1 : -1) * (k ? 1 : -1);
-                const double X = x[i], Y = y[j], Z = z[k];
-                const double r = std::sqrt(X * X + Y * Y + Z * Z);
-                g[0][0] -= s * std::atan(Y * Z / (X * r));
-                g[1][1] -= s * std::atan(X * Z / (Y * r));
-                g[2][2] -= s * std::atan(X * Y / (Z * r));
-                g[0][1] += s * std::log(Z + r);
-                g[0][2] += s * std::log(Y + r);
-                g[1][2] += s * std::log(X + r);
-            }
-    g[1][0] = g[0][1];
-    g[2][0] = g[0][2];
-    g[2][1] = g[1][2];
-    double t = 0.0;
-    for (int a = 0; a < 3; ++a)
-        for (int b = 0; b < 3; ++b) t += f[a] * g[a][b] * f[b];
-    return susc_si * F / (4.0 * kPi) * t;
+// Unit vector of the field, frame x north, y east, z down.
+std::array<double, 3> field_direction(double incl, double decl) {
+    return {std::cos(decl) * std::cos(incl), std::sin(decl) * std::cos(incl), std::sin(incl)};
 }
 
 // Total field of a dipole of volume V and induced magnetisation at offset (north dn, down dz)
@@ -55,15 +30,25 @@ double prism_total_field(const double (&x)[2], const double (&y)[2], const doubl
 double dipole_total_field(double dn, double dz, double volume, double susc_si, double F,
                           double incl) {
     const double r = std::hypot(dn, dz);
-    const double rn = -dn / r, rz = -dz / r;  // source to station
-    const double fr = std::cos(incl) * rn + std::sin(incl) * rz;
+    const double fr = std::cos(incl) * (-dn / r) + std::sin(incl) * (-dz / r);
     return volume * susc_si * F / (4.0 * kPi) * (3.0 * fr * fr - 1.0) / (r * r * r);
 }
 
-model_record field_model(model_record model, float F, float incl, float decl) {
+// n stations along a line stepping (step_east, step_north) from (east0, north0), field F, incl,
+// decl, and body 1 of `type` at `distance`, top `top`, striking `strike`, of infinite strike.
+model_record one_body(int n, double east0, double north0, double step_east, double step_north,
+                      int type, float distance, float top, float strike, float F = 56000.0f,
+                      float incl = -65.0f, float decl = -4.0f) {
+    model_record model = line_model(n, east0, north0, step_east, step_north, 0.0, 1);
     model.mag_intensity = F;
     model.mag_inclination = incl;
     model.mag_declination = decl;
+    body_record& b = model.body(1);
+    b.type = type;
+    b.distance.value = distance;
+    b.top.value = top;
+    b.strike.value = strike;
+    b.length.value = 0.0f;
     return model;
 }
 
@@ -78,13 +63,9 @@ TEST(strike_limited_magnetics, matches_the_rectangular_prism) {
     scripted_platform ui;
     response_state state = state_for(ui);
     // A line running east at elevation 0; the prism east 300..500, north 837..1237, 50..200 down.
-    model_record model =
-        field_model(line_model(20, 0.0, 1000.0, 50.0, 0.0, 0.0, 1), 50000.0f, -60.0f, 10.0f);
+    model_record model = one_body(20, 0.0, 1000.0, 50.0, 0.0, thick_sheet, 300.0f, -50.0f, 0.0f,
+                                  50000.0f, -60.0f, 10.0f);
     body_record& b = model.body(1);
-    b.type = thick_sheet;
-    b.distance.value = 300.0f;
-    b.top.value = -50.0f;
-    b.strike.value = 0.0f;
     b.width.value = 200.0f;
     b.depth_extent.value = 150.0f;
     b.length.value = 400.0f;
@@ -92,16 +73,19 @@ TEST(strike_limited_magnetics, matches_the_rectangular_prism) {
     b.susc.value = 10000.0f;
     calculate_mag_response(model, state, 1);
     ASSERT_TRUE(ui.messages.empty());
-    double largest = 0;
-    for (int i = 1; i <= 20; ++i)
-        largest = std::max(largest, std::fabs(double(b.body_response(total_field_row, i))));
+    const auto f = field_direction(-60.0 * kRad, 10.0 * kRad);
+    const float largest = peak(model, total_field_row);
     for (int i = 1; i <= 20; ++i) {
         const double e = model.profile.location(easting_row, i);
-        const double x[2] = {-163.0, 237.0}, y[2] = {300.0 - e, 500.0 - e}, z[2] = {50.0, 200.0};
-        const double expected =
-            prism_total_field(x, y, z, 0.01, 50000.0, -60.0 * kRad, 10.0 * kRad);
+        // dT = J f . Gamma . f, J = k F / (4 pi) (Bhattacharyya 1964).
+        const auto g =
+            testing_shapes::prism_hessian({-163.0, 237.0, 300.0 - e, 500.0 - e, 50, 200});
+        double t = 0.0;
+        for (std::size_t r = 0; r < 3; ++r)
+            for (std::size_t c = 0; c < 3; ++c) t += f[r] * g[3 * r + c] * f[c];
         // Single-precision magnetisation and rows: 1e-5 of the largest value.
-        EXPECT_NEAR(b.body_response(total_field_row, i), expected, 1e-5 * largest)
+        EXPECT_NEAR(b.body_response(total_field_row, i), 0.01 * 50000.0 / (4.0 * kPi) * t,
+                    1e-5 * largest)
             << "station " << i;
     }
 }
@@ -111,16 +95,13 @@ TEST(strike_limited_magnetics, matches_the_rectangular_prism) {
 TEST(sphere_magnetics, matches_the_dipole_of_radius_width) {
     scripted_platform ui;
     response_state state = state_for(ui);
-    // A line running north; the sphere's centre 100 below the stations at north 0.
-    model_record model =
-        field_model(line_model(41, 0.0, -1000.0, 0.0, 50.0, 0.0, 1), 50000.0f, -60.0f, 0.0f);
+    // A line running north; the sphere's centre 100 below the stations at north 0. Strike 90 is
+    // the frame of the first coefficients: across strike is south.
+    model_record model = one_body(41, 0.0, -1000.0, 0.0, 50.0, sphere_body, 1000.0f, -100.0f, 90.0f,
+                                  50000.0f, -60.0f, 0.0f);
     body_record& b = model.body(1);
-    b.type = sphere_body;
-    b.distance.value = 1000.0f;
-    b.top.value = -100.0f;
     b.width.value = 20.0f;
     b.susc.value = 10000.0f;
-    b.strike.value = 90.0f;  // the frame of the first coefficients: across strike is south
     calculate_mag_response(model, state, 1);
     ASSERT_TRUE(ui.messages.empty());
     const double volume = 4.0 / 3.0 * kPi * 20.0 * 20.0 * 20.0;
@@ -139,14 +120,12 @@ TEST(sphere_magnetics, matches_the_dipole_of_radius_width) {
 TEST(sphere_magnetics, strike_is_profile_azimuth_plus_ninety) {
     scripted_platform ui;
     response_state state = state_for(ui);
-    model_record north = line_model(10, 0.0, 0.0, 0.0, 50.0, 0.0, 1);
-    north.body(1).type = sphere_body;
+    model_record north = one_body(10, 0.0, 0.0, 0.0, 50.0, sphere_body, 250.0f, -30.0f, 0.0f);
     calculate_mag_response(north, state, 1);
     EXPECT_FLOAT_EQ(north.body(1).strike.value, 3.14159265f + 90.0f);
     EXPECT_GT(peak(north, total_field_row), 0.0f);
 
-    model_record east = line_model(10, 0.0, 0.0, 50.0, 0.0, 0.0, 1);
-    east.body(1).type = sphere_body;
+    model_record east = one_body(10, 0.0, 0.0, 50.0, 0.0, sphere_body, 250.0f, -30.0f, 0.0f);
     calculate_mag_response(east, state, 1);
     EXPECT_FLOAT_EQ(east.body(1).strike.value, -1.57079633f + 90.0f);
     EXPECT_EQ(peak(east, total_field_row), 0.0f);
@@ -167,16 +146,13 @@ TEST(profile_azimuth_reading, across_the_line_responds_along_it_gives_zero) {
         {0.0, 50.0, kPi, 90.0f, 0.0f, 185.0f, 187.0f},     // running north
     };
     for (const line_case& c : cases) {
-        model_record model = line_model(21, 0.0, 0.0, c.step_east, c.step_north, 0.0, 1);
+        SCOPED_TRACE(c.azimuth);
+        model_record model =
+            one_body(21, 0.0, 0.0, c.step_east, c.step_north, thick_sheet, 500.0f, -50.0f, 0.0f);
         EXPECT_NEAR(model.profile.profile_azimuth, c.azimuth, 1e-6);
-        body_record& b = model.body(1);
-        b.type = thick_sheet;
-        b.length.value = 0.0f;
-        b.distance.value = 500.0f;
-        b.top.value = -50.0f;
         auto run = [&](float strike) {
-            b.strike.value = strike;
-            b.magnetisation = -1.0f;
+            model.body(1).strike.value = strike;
+            model.body(1).magnetisation = -1.0f;
             calculate_mag_response(model, state, 1);
             calculate_grav_response(model, state, 1);
             return std::make_pair(peak(model, total_field_row), peak(model, gravity_row));
@@ -193,16 +169,12 @@ TEST(profile_azimuth_reading, across_the_line_responds_along_it_gives_zero) {
     EXPECT_TRUE(ui.messages.empty());
 }
 
-// A vertical thick sheet under a line running north, striking west (across strike is north,
-// along the line), infinite and 200 km long, in an inclined field.
-model_record north_line_sheet(float length, float dip) {
-    model_record model =
-        field_model(line_model(41, 1000.0, 0.0, 0.0, 50.0, 0.0, 1), 50000.0f, -60.0f, 0.0f);
+// A thick sheet under a line running north, striking west (across strike is north, along the
+// line), in an inclined field; length 0 is infinite strike.
+model_record north_line_sheet(float length, float dip, float incl = -60.0f) {
+    model_record model = one_body(41, 1000.0, 0.0, 0.0, 50.0, thick_sheet, 900.0f, -50.0f, 270.0f,
+                                  50000.0f, incl, 0.0f);
     body_record& b = model.body(1);
-    b.type = thick_sheet;
-    b.distance.value = 900.0f;
-    b.top.value = -50.0f;
-    b.strike.value = 270.0f;
     b.dip.value = dip;
     b.width.value = 200.0f;
     b.depth_extent.value = 300.0f;
@@ -215,6 +187,7 @@ model_record north_line_sheet(float length, float dip) {
 // 0.5 % of the peak for a vertical sheet and for one dipping 60 degrees.
 TEST(strike_limited_magnetics, long_prism_tends_to_the_infinite_sheet) {
     for (float dip : {90.0f, 60.0f}) {
+        SCOPED_TRACE(dip);
         scripted_platform ui;
         response_state state = state_for(ui);
         model_record infinite = north_line_sheet(0.0f, dip);
@@ -226,7 +199,7 @@ TEST(strike_limited_magnetics, long_prism_tends_to_the_infinite_sheet) {
         for (int i = 1; i <= 41; ++i)
             EXPECT_NEAR(infinite.body(1).body_response(total_field_row, i),
                         long_prism.body(1).body_response(total_field_row, i), 5e-3 * top)
-                << "dip " << dip << " station " << i;
+                << "station " << i;
     }
 }
 
@@ -238,13 +211,7 @@ TEST(infinite_strike_magnetics, takes_the_north_component_as_across_strike) {
     scripted_platform ui;
     response_state state = state_for(ui);
     model_record model =
-        field_model(line_model(21, 0.0, 0.0, 50.0, 0.0, 0.0, 1), 50000.0f, 0.0f, 0.0f);
-    body_record& b = model.body(1);
-    b.type = thick_sheet;
-    b.length.value = 0.0f;
-    b.strike.value = 0.0f;
-    b.distance.value = 500.0f;
-    b.top.value = -50.0f;
+        one_body(21, 0.0, 0.0, 50.0, 0.0, thick_sheet, 500.0f, -50.0f, 0.0f, 50000.0f, 0.0f, 0.0f);
     calculate_mag_response(model, state, 1);
     EXPECT_GT(peak(model, total_field_row), 100.0f);
 }
@@ -255,7 +222,7 @@ TEST(infinite_strike_magnetics, takes_the_north_component_as_across_strike) {
 TEST(infinite_strike_magnetics, thick_sheet_against_the_line_is_negated) {
     scripted_platform ui;
     response_state state = state_for(ui);
-    model_record along = field_model(north_line_sheet(0.0f, 90.0f), 50000.0f, 90.0f, 0.0f);
+    model_record along = north_line_sheet(0.0f, 90.0f, 90.0f);
     model_record against = along;
     against.body(1).strike.value = 90.0f;      // across strike is south
     against.body(1).distance.value = 1100.0f;  // the same slab, north 900..1100
@@ -271,52 +238,41 @@ TEST(infinite_strike_magnetics, thick_sheet_against_the_line_is_negated) {
 TEST(magnetic_response, closed_forms_stay_finite_at_and_below_the_top) {
     scripted_platform ui;
     response_state state = state_for(ui);
-    for (int type : {thin_sheet, thick_sheet, edge_body, sloping_step, sphere_body}) {
-        // A line running north with bodies striking east across it.
-        model_record model = line_model(21, 0.0, 0.0, 0.0, 50.0, 0.0, 1);
+    // A line running north with bodies striking east across it; tops at the stations' elevation
+    // (z is held at 0.1) and above them; the thin sheet also open below and lying flat.
+    struct body_case {
+        int type;
+        float dip, depth_extent;
+    };
+    const body_case cases[] = {{thin_sheet, 90.0f, 250.0f}, {thin_sheet, 0.0f, 100.0f},
+                               {thin_sheet, 90.0f, 0.0f},   {thick_sheet, 90.0f, 250.0f},
+                               {edge_body, 90.0f, 250.0f},  {sloping_step, 90.0f, 250.0f},
+                               {sphere_body, 90.0f, 250.0f}};
+    for (const body_case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.type << " dip " << c.dip << " " << c.depth_extent);
+        model_record model = one_body(21, 0.0, 0.0, 0.0, 50.0, c.type, 500.0f, 0.0f, 90.0f);
         body_record& b = model.body(1);
-        b.type = type;
-        b.strike.value = 90.0f;
-        b.length.value = 0.0f;
-        b.distance.value = 500.0f;
-        b.top.value = 0.0f;  // at the stations' elevation: z is held at 0.1
+        b.dip.value = c.dip;
+        b.depth_extent.value = c.depth_extent;
         calculate_mag_response(model, state, 1);
-        b.top.value = 20.0f;  // above them
+        b.top.value = 20.0f;
         calculate_mag_response(model, state, 1);
         for (int i = 1; i <= 21; ++i)
-            EXPECT_TRUE(std::isfinite(b.body_response(total_field_row, i))) << type;
-        EXPECT_GT(peak(model, total_field_row), 0.0f) << type;
+            EXPECT_TRUE(std::isfinite(b.body_response(total_field_row, i))) << i;
+        EXPECT_GT(peak(model, total_field_row), 0.0f);
     }
+    // Thin sheet: depth extent 0 drops the bottom term, the same as a very deep sheet.
+    auto thin = [&](float depth) {
+        model_record m = one_body(21, 0.0, 0.0, 50.0, 0.0, thin_sheet, 500.0f, -30.0f, 0.0f);
+        m.body(1).depth_extent.value = depth;
+        calculate_mag_response(m, state, 1);
+        return m.body(1).body_response(total_field_row, 11);
+    };
+    EXPECT_NEAR(thin(0.0f), thin(1e7f), 1e-4 * 250);
     // A polygon computes nothing.
-    model_record polygon = line_model(21, 0.0, 0.0, 50.0, 0.0, 0.0, 1);
-    polygon.body(1).type = polygon_body;
+    model_record polygon = one_body(21, 0.0, 0.0, 50.0, 0.0, polygon_body, 500.0f, -30.0f, 0.0f);
     calculate_mag_response(polygon, state, 1);
     EXPECT_EQ(peak(polygon, total_field_row), 0.0f);
-    EXPECT_TRUE(ui.messages.empty());
-}
-
-TEST(magnetic_response, thin_sheet_bottom_and_dip_cases) {
-    scripted_platform ui;
-    response_state state = state_for(ui);
-    auto sheet = [&](float dip, float depth) {
-        model_record model = line_model(21, 0.0, 0.0, 50.0, 0.0, 0.0, 1);
-        body_record& b = model.body(1);
-        b.distance.value = 500.0f;
-        b.top.value = -30.0f;
-        b.dip.value = dip;
-        b.depth_extent.value = depth;
-        calculate_mag_response(model, state, 1);
-        return model;
-    };
-    // Depth extent 0 drops the bottom term: the same as a very deep sheet.
-    const model_record open = sheet(90.0f, 0.0f);
-    const model_record deep = sheet(90.0f, 1e7f);
-    EXPECT_NEAR(open.body(1).body_response(total_field_row, 11),
-                deep.body(1).body_response(total_field_row, 11), 1e-4 * 250);
-    // Dip 0 exactly: sin_dip does not pass 0.001, the bottom is not shifted, and all is finite.
-    const model_record flat = sheet(0.0f, 100.0f);
-    for (int i = 1; i <= 21; ++i)
-        EXPECT_TRUE(std::isfinite(flat.body(1).body_response(total_field_row, i)));
     EXPECT_TRUE(ui.messages.empty());
 }
 
@@ -375,6 +331,10 @@ TEST(magnetic_response, non_finite_input_is_reported) {
               "argument");
     model.body(1).top.value = -50.0f;
     model.profile.location(sensor_row, 3) = std::numeric_limits<double>::infinity();
+    calculate_mag_response(model, state, 1);
+    EXPECT_EQ(ui.messages.back(), "An error occurred while calculating the mag response: Overflow");
+    model.profile.location(sensor_row, 3) = 0.0;
+    model.mag_declination = std::numeric_limits<float>::infinity();
     calculate_mag_response(model, state, 1);
     EXPECT_EQ(ui.messages.back(), "An error occurred while calculating the mag response: Overflow");
     EXPECT_EQ(peak(model, total_field_row), 0.0f);

@@ -10,7 +10,6 @@ namespace trensil {
 namespace {
 
 using testing_support::line_model;
-using testing_support::state_for;
 
 // Ten thin sheets striking north across a line running east, spread along it.
 model_record ten_bodies() {
@@ -23,15 +22,21 @@ model_record ten_bodies() {
     return model;
 }
 
-void run(model_record& model, response_state& state) {
-    calculate_body_responses(model, state, model.profile.mag_channels, model.profile.grav_channels);
-}
-
-TEST(response_cache, one_stale_body_of_ten_recomputes_one) {
+// Ten bodies and a state reporting to a scripted platform.
+class response_cache : public ::testing::Test {
+protected:
+    void run() {
+        calculate_body_responses(model, state, model.profile.mag_channels,
+                                 model.profile.grav_channels);
+    }
     scripted_platform ui;
-    response_state state = state_for(ui);
+    response_state state = testing_support::state_for(ui);
     model_record model = ten_bodies();
-    run(model, state);
+};
+using misfit = response_cache;
+
+TEST_F(response_cache, one_stale_body_of_ten_recomputes_one) {
+    run();
     EXPECT_EQ(state.mag_responses_computed, 10);
     EXPECT_EQ(state.grav_responses_computed, 10);
     EXPECT_FALSE(ui.progress_visible);
@@ -40,7 +45,7 @@ TEST(response_cache, one_stale_body_of_ten_recomputes_one) {
     model.body(5).top.value = -60.0f;
     model.body(5).mag_valid = 0;
     model.body(5).grav_valid = 0;
-    run(model, state);
+    run();
     EXPECT_EQ(state.mag_responses_computed, 11);
     EXPECT_EQ(state.grav_responses_computed, 11);
     EXPECT_EQ(model.body(2).body_response, nine_rows);
@@ -54,22 +59,19 @@ TEST(response_cache, one_stale_body_of_ten_recomputes_one) {
 
     // Nothing stale: nothing recomputed and rows 6 to 10 untouched.
     model.profile.mag_channels(computed_level, 3) = 77.0f;
-    run(model, state);
+    run();
     EXPECT_EQ(state.mag_responses_computed, 11);
     EXPECT_EQ(model.profile.mag_channels(computed_level, 3), 77.0f);
 }
 
-TEST(response_cache, density_only_edit_leaves_magnetics_untouched) {
-    scripted_platform ui;
-    response_state state = state_for(ui);
-    model_record model = ten_bodies();
-    run(model, state);
+TEST_F(response_cache, density_only_edit_leaves_magnetics_untouched) {
+    run();
     model.profile.mag_channels(computed_vertical_gradient, 4) = 55.0f;  // a derived row
     const float mag_before = model.profile.mag_channels(computed_raw, 10);
     const float grav_before = model.profile.grav_channels(computed_raw, 10);
     model.body(3).density.value = 3.5f;
     model.body(3).grav_valid = 0;
-    run(model, state);
+    run();
     EXPECT_EQ(state.mag_responses_computed, 10);
     EXPECT_EQ(state.grav_responses_computed, 11);
     EXPECT_EQ(model.profile.mag_channels(computed_raw, 10), mag_before);
@@ -78,13 +80,10 @@ TEST(response_cache, density_only_edit_leaves_magnetics_untouched) {
     EXPECT_EQ(model.channel_valid[5], 0);
 }
 
-TEST(response_cache, only_disabled_exactly_one_turns_a_body_off) {
-    scripted_platform ui;
-    response_state state = state_for(ui);
-    model_record model = ten_bodies();
+TEST_F(response_cache, only_disabled_exactly_one_turns_a_body_off) {
     model.num_bodies = 1;
     model.body(1).disabled = 2;  // counts as enabled
-    run(model, state);
+    run();
     EXPECT_EQ(state.mag_responses_computed, 1);
     EXPECT_NE(model.body(1).body_response(total_field_row, 4), 0.0f);
 
@@ -92,7 +91,7 @@ TEST(response_cache, only_disabled_exactly_one_turns_a_body_off) {
     model.body(1).disabled = 1;
     model.body(1).mag_valid = 0;
     model.body(1).grav_valid = 0;
-    run(model, state);
+    run();
     EXPECT_EQ(state.mag_responses_computed, 1);
     EXPECT_EQ(model.body(1).mag_valid, -1);
     EXPECT_EQ(model.body(1).grav_valid, -1);
@@ -103,25 +102,19 @@ TEST(response_cache, only_disabled_exactly_one_turns_a_body_off) {
     }
 }
 
-TEST(response_cache, magpos_zero_skips_magnetics_and_leaves_bodies_stale) {
-    scripted_platform ui;
-    response_state state = state_for(ui);
-    model_record model = ten_bodies();
+TEST_F(response_cache, magpos_zero_skips_magnetics_and_leaves_bodies_stale) {
     model.magpos = 0;
-    run(model, state);
+    run();
     EXPECT_EQ(state.mag_responses_computed, 0);
     EXPECT_EQ(state.grav_responses_computed, 10);
     EXPECT_EQ(model.body(4).mag_valid, 0);
     EXPECT_EQ(model.body(4).grav_valid, -1);
 }
 
-TEST(response_cache, no_bodies_and_no_stations) {
-    scripted_platform ui;
-    response_state state = state_for(ui);
-    model_record model = ten_bodies();
+TEST_F(response_cache, no_bodies_and_no_stations) {
     model.num_bodies = 0;
     model.profile.mag_channels(computed_total_gradient, 2) = 9.0f;
-    run(model, state);
+    run();
     for (int row = computed_raw; row <= computed_total_gradient; ++row)
         EXPECT_EQ(model.profile.mag_channels(row, 2), 0.0f);
     EXPECT_FALSE(is_display_value(state.mag_display(2, 2)));
@@ -135,12 +128,9 @@ TEST(response_cache, no_bodies_and_no_stations) {
     EXPECT_EQ(state.mag_responses_computed, 0);
 }
 
-TEST(response_cache, a_failing_body_is_reported_and_marked_current) {
-    scripted_platform ui;
-    response_state state = state_for(ui);
-    model_record model = ten_bodies();
+TEST_F(response_cache, a_failing_body_is_reported_and_marked_current) {
     model.body(7).width.value = std::numeric_limits<float>::infinity();
-    run(model, state);
+    run();
     ASSERT_EQ(ui.messages.size(), 2u);
     EXPECT_EQ(ui.messages[0], "An error occurred while calculating the mag response: Overflow");
     EXPECT_EQ(ui.messages[1], "An error occurred while calculating the gravity response: Overflow");
@@ -151,10 +141,7 @@ TEST(response_cache, a_failing_body_is_reported_and_marked_current) {
 }
 
 // The misfit: computed less observed by one of three rules, over the inversion window only.
-TEST(misfit, residuals_for_each_mode_over_the_window) {
-    scripted_platform ui;
-    response_state state = state_for(ui);
-    model_record model = ten_bodies();
+TEST_F(misfit, residuals_for_each_mode_over_the_window) {
     model.profile.inversion_first_station = 5;
     model.profile.inversion_last_station = 12;
     for (int i = 1; i <= 40; ++i) model.profile.mag_channels(observed_level, i) = 3.0f;
