@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <sstream>
 
 #include "core/model_record.h"
@@ -57,6 +58,12 @@ struct cli_tool : ::testing::Test {
     }
     std::string q(const std::string& path) { return "'" + path + "'"; }
 };
+
+// The word of `text` that starts at `at`.
+std::string take_word_after(const std::string& text, std::size_t at) {
+    std::string rest = text.substr(at);
+    return take_word(rest);
+}
 
 std::vector<std::string> csv_fields(std::string line) {
     std::vector<std::string> fields;
@@ -116,6 +123,51 @@ TEST_F(cli_tool, compute_refuses_to_overwrite_without_force) {
     EXPECT_NE(read_text(out), "keep");
 }
 
+TEST_F(cli_tool, export_dxf_writes_both_files_beside_the_model_and_replaces_them_only_by_force) {
+    const std::string model = dir.file("line.qvx");
+    write_text(model, read_text(example_model));
+    std::filesystem::copy_file(
+        std::string(TRENSIL_SOURCE_DIR) + "/examples/tempest/line_225401.csv",
+        dir.file("line_225401.csv"));
+    ASSERT_EQ(run("export-dxf " + q(model)).status, 0);
+    const std::vector<std::string> written = {dir.file("line.dxf"), dir.file("line_3d.dxf")};
+    for (const std::string& path : written) {
+        ASSERT_TRUE(file_exists(path)) << path;
+        write_text(path, "old");
+    }
+    const cli_run refused = run("export-dxf " + q(model));
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.error_lines(), 1) << refused.err;
+    for (const std::string& path : written) EXPECT_EQ(read_text(path), "old");
+    EXPECT_EQ(run("export-dxf " + q(model) + " --force").status, 0);
+    for (const std::string& path : written) EXPECT_NE(read_text(path), "old");
+}
+
+TEST_F(cli_tool, invert_lowers_the_misfit_and_writes_its_output_once) {
+    const std::string synthetic = std::string(TRENSIL_SOURCE_DIR) + "/examples/synthetic/";
+    std::string model = read_text(synthetic + "synthetic_truth.qvx");
+    const std::size_t at = model.find(" 3000  0  0  150 ");
+    ASSERT_NE(at, std::string::npos);
+    model.replace(at, 5, " 3300");  // the first body moved off its true place
+    write_text(dir.file("start.qvx"), model);
+    std::filesystem::copy_file(synthetic + "synthetic_line.csv", dir.file("synthetic_line.csv"));
+    const std::string args = "invert " + q(dir.file("start.qvx")) + " -o " + q(dir.file("fit.qvx"));
+    const cli_run r = run(args);
+    ASSERT_EQ(r.status, 0) << r.err;
+    const std::size_t initial = r.out.find("initial misfit "), final = r.out.find("final misfit ");
+    ASSERT_NE(initial, std::string::npos) << r.out;
+    ASSERT_NE(final, std::string::npos) << r.out;
+    EXPECT_LT(parse_number(take_word_after(r.out, final + 13)),
+              parse_number(take_word_after(r.out, initial + 15)))
+        << r.out;
+    ASSERT_TRUE(file_exists(dir.file("fit.qvx")));
+    const std::string fitted = read_text(dir.file("fit.qvx"));
+    const cli_run again = run(args);
+    EXPECT_EQ(again.status, 1);
+    EXPECT_EQ(again.error_lines(), 1) << again.err;
+    EXPECT_EQ(read_text(dir.file("fit.qvx")), fitted);
+}
+
 TEST_F(cli_tool, bad_model_files_fail_with_one_line) {
     const std::string model = read_text(example_model);
     const std::string data = std::string(TRENSIL_SOURCE_DIR) + "/examples/tempest/line_225401.csv";
@@ -161,11 +213,9 @@ TEST_F(cli_tool, bad_data_files_fail_with_one_line_and_data_option_replaces_them
 }
 
 TEST_F(cli_tool, usage_errors_exit_with_2_and_help_with_0) {
-    EXPECT_EQ(run("compute").status, 2);
-    EXPECT_EQ(run("compute a.qvx --bogus").status, 2);
-    EXPECT_EQ(run("compute a.qvx -o").status, 2);
-    EXPECT_EQ(run("convert a.qvx").status, 2);
-    EXPECT_EQ(run("info").status, 2);
+    for (const char* bad :
+         {"compute", "compute a.qvx --bogus", "compute a.qvx -o", "convert a.qvx", "info"})
+        EXPECT_EQ(run(bad).status, 2) << bad;
     for (const char* command : {"compute", "convert", "info"}) {
         const cli_run r = run(std::string(command) + " --help");
         EXPECT_EQ(r.status, 0);

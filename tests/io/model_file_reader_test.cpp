@@ -89,6 +89,8 @@ TEST_F(model_reader, version_1_keeps_defaults_for_lines_it_does_not_hold) {
 }
 
 TEST_F(model_reader, version_2_reads_name_rock_type_and_description) {
+    settings.save_setting("Ostrand", "Trensil", "StrikeLength", "777");
+    settings.save_setting("Ostrand", "Trensil", "Depth", "888");
     read(0, data_path("model_v2.qvx"));
     ASSERT_EQ(status, 0);
     EXPECT_EQ(model.names_line, 1);
@@ -106,6 +108,9 @@ TEST_F(model_reader, version_2_reads_name_rock_type_and_description) {
     EXPECT_FLOAT_EQ(b.susc.value, 0.002f * four_pi);
     EXPECT_FLOAT_EQ(b.density.value, 0.2f);
     EXPECT_FLOAT_EQ(b.rem_q.value, 1.0f / (0.002f * four_pi) / 50000.0f);
+    // New bodies take their defaults from the settings where the file holds no value.
+    EXPECT_EQ(b.depth_extent.value, 300.0f);
+    EXPECT_EQ(b.length.value, 777.0f);
 }
 
 TEST_F(model_reader, version_5_reads_window_from_eleven_tokens_and_first_word_quirk) {
@@ -178,22 +183,11 @@ TEST_F(model_reader, version_7_drops_disabled_flag_and_window_on_line_4) {
     EXPECT_EQ(model.display_axes, 1);
     EXPECT_EQ(model.show_body_label, 1);
     EXPECT_EQ(model.splitter[0], 0.3f);
-}
-
-TEST_F(model_reader, data_file_found_beside_the_model_and_stamped) {
-    read(0, data_path("model_v7.qvx"));
+    // The data file is found beside the model, and both are stamped.
     EXPECT_EQ(model.data_file, data_path("model_line.csv"));
     EXPECT_GT(model.data_file_time, 0.0);
     EXPECT_EQ(model.model_file, data_path("model_v7.qvx"));
     EXPECT_GT(model.model_file_time, 0.0);
-}
-
-TEST_F(model_reader, new_bodies_take_their_defaults_from_the_settings) {
-    settings.save_setting("Ostrand", "Trensil", "StrikeLength", "777");
-    settings.save_setting("Ostrand", "Trensil", "Depth", "888");
-    read(0, data_path("model_v2.qvx"));
-    EXPECT_EQ(model.body(1).depth_extent.value, 300.0f);  // in the file
-    EXPECT_EQ(model.body(1).length.value, 777.0f);        // not in a version 2 file
 }
 
 TEST_F(model_reader, unnumbered_layout_is_told_by_the_first_body_line) {
@@ -217,8 +211,7 @@ TEST_F(model_reader, more_bodies_than_capacity_grow_it_and_discard_old_bodies) {
     model.body(32).name = "last";
     scratch_folder dir("capacity");
     const std::string path = dir.file("m.qvx");
-    std::string text = data_path("model_line.csv") + "\r\n" + header_tail + "40 7\r\n";
-    write_text(path, text);
+    write_text(path, data_path("model_line.csv") + "\r\n" + header_tail + "40 7\r\n");
     read(0, path);
     ASSERT_EQ(status, 0);
     EXPECT_EQ(model.body_capacity, 56);
@@ -241,11 +234,8 @@ TEST_F(model_reader, truncated_header_leaves_zeros_and_is_reported_as_truncated)
     EXPECT_EQ(model.sensor_offset, 0.0f);
     EXPECT_EQ(model.num_bodies, 0);
     EXPECT_TRUE(summary.truncated);
-}
 
-TEST_F(model_reader, no_bodies_and_no_display_section_read_cleanly) {
-    scratch_folder dir("empty_bodies");
-    const std::string path = dir.file("m.qvx");
+    // No bodies and no display section: read cleanly, not truncated.
     write_text(path, data_path("model_line.csv") + "\r\n" + header_tail + "0 7\r\n");
     model.display_settings_present = -1;
     read(0, path);
@@ -255,21 +245,18 @@ TEST_F(model_reader, no_bodies_and_no_display_section_read_cleanly) {
     EXPECT_FALSE(summary.truncated);
 }
 
-TEST_F(model_reader, missing_model_file_reports_and_fails) {
-    read(0, "/nonexistent/folder/m.qvx");
-    EXPECT_EQ(status, -1);
-    ASSERT_EQ(ui.messages.size(), 1u);
-    EXPECT_EQ(ui.messages[0], "An error occurred while reading the location file : File not found");
-}
-
-TEST_F(model_reader, number_out_of_range_is_a_run_time_error) {
+TEST_F(model_reader, missing_file_and_number_out_of_range_report_and_fail) {
     scratch_folder dir("overflow");
-    const std::string path = dir.file("m.qvx");
-    write_text(path, data_path("model_line.csv") + "\r\n1e20 1 1 2 0 0 3\r\n");
-    read(0, path);
-    EXPECT_EQ(status, -1);
-    ASSERT_EQ(ui.messages.size(), 1u);
-    EXPECT_EQ(ui.messages[0], "An error occurred while reading the location file : Overflow");
+    write_text(dir.file("m.qvx"), data_path("model_line.csv") + "\r\n1e20 1 1 2 0 0 3\r\n");
+    const std::pair<std::string, std::string> cases[] = {
+        {"/nonexistent/folder/m.qvx", "File not found"}, {dir.file("m.qvx"), "Overflow"}};
+    for (const auto& [path, why] : cases) {
+        ui.messages.clear();
+        read(0, path);
+        EXPECT_EQ(status, -1);
+        EXPECT_EQ(ui.messages, std::vector<std::string>{
+                                   "An error occurred while reading the location file : " + why});
+    }
 }
 
 struct model_reader_missing_data : model_reader {
@@ -312,14 +299,15 @@ TEST_F(model_reader, header_mode_reads_display_settings_but_keeps_body_count) {
     EXPECT_EQ(model.mag_intensity, 50000.0f);
     EXPECT_EQ(model.display_settings_present, -1);
     EXPECT_EQ(model.tab_width, 5300);
-}
 
-TEST_F(model_reader, header_mode_takes_a_body_named_like_the_section_head_for_it) {
+    // A body named like the section head is taken for it.
     scratch_folder dir("head_name");
-    const std::string path = dir.file("m.qvx");
-    write_text(path, data_path("model_line.csv") + "\r\n" + header_tail +
-                         "1 7\r\n1 0 1 255 0 x\r\n[QVX Display Settings]\r\n 1  1  1 \r\n");
-    read(-1, path);
+    write_text(dir.file("m.qvx"),
+               data_path("model_line.csv") + "\r\n" + header_tail +
+                   "1 7\r\n1 0 1 255 0 x\r\n[QVX Display Settings]\r\n 1  1  1 \r\n");
+    model.display_settings_present = 0;
+    model.display_axes = 0;
+    read(-1, dir.file("m.qvx"));
     EXPECT_EQ(model.display_settings_present, -1);
     EXPECT_EQ(model.display_axes, 1);
 }

@@ -2,6 +2,8 @@
 // and the format and write failures with their messages.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "io/project_file.h"
 #include "model_test_files.h"
 #include "support/scripted_platform.h"
@@ -70,51 +72,42 @@ TEST_F(project_file, round_trip_keeps_every_field) {
     EXPECT_EQ(read_text(path).substr(0, 40), "Trensil Project Version 1.0\r\n 500  20 \r\n");
 }
 
-TEST_F(project_file, numbering_line_repairs) {
-    read_text_as_project("Trensil Project Version 1.0\r\n0 0\r\n" + grids_and_two_lines);
-    ASSERT_EQ(status, 0);
-    EXPECT_EQ(project.first_line_number, 10000);
-    EXPECT_EQ(project.line_number_step, 10);
-    EXPECT_EQ(project.next_line_number, 10000);  // no line number above it
-
-    read_text_as_project("Trensil Project Version 1.0\r\n-5 abc\r\n" + grids_and_two_lines);
-    EXPECT_EQ(project.first_line_number, 1000);
-    EXPECT_EQ(project.line_number_step, 10);
-    EXPECT_EQ(project.next_line_number, 1030);
-
-    read_text_as_project("Trensil Project Version 1.0\r\nx -3\r\n" + grids_and_two_lines);
-    EXPECT_EQ(project.first_line_number, 1000);
-    EXPECT_EQ(project.line_number_step, 10);
+TEST_F(project_file, numbering_line_repairs_and_absent_sample_settings) {
+    // Numbering line, first number, step, next number (none of the lines is numbered above 10000).
+    const std::tuple<std::string, int, int, int> cases[] = {
+        {"0 0", 10000, 10, 10000}, {"-5 abc", 1000, 10, 1030}, {"x -3", 1000, 10, 1030}};
+    for (const auto& [numbering, first, step, next] : cases) {
+        SCOPED_TRACE(numbering);
+        read_text_as_project("Trensil Project Version 1.0\r\n" + numbering + "\r\n" +
+                             grids_and_two_lines);
+        ASSERT_EQ(status, 0);
+        EXPECT_EQ(project.first_line_number, first);
+        EXPECT_EQ(project.line_number_step, step);
+        EXPECT_EQ(project.next_line_number, next);
+        EXPECT_FALSE(project.sample_settings_present);
+        EXPECT_EQ(project.grid_files[2], "");
+        EXPECT_EQ(project.model_paths(2), "/lines/l1000.qvx");
+    }
 }
 
-TEST_F(project_file, file_without_sample_settings_reads_and_leaves_them_unset) {
-    read_text_as_project("Trensil Project Version 1.0\r\n1000 10\r\n" + grids_and_two_lines);
-    ASSERT_EQ(status, 0);
-    EXPECT_FALSE(project.sample_settings_present);
-    EXPECT_EQ(project.grid_files[2], "");
-    EXPECT_EQ(project.model_paths(2), "/lines/l1000.qvx");
-}
-
-TEST_F(project_file, format_failures_show_the_message) {
-    read_text_as_project("Some Other Project\r\n1000 10\r\n" + grids_and_two_lines);
-    EXPECT_EQ(status, -1);
-    read_text_as_project("Trensil Project Version 1.0\r\n1000 10\r\na\r\nb\r\nc\r\n-2\r\n");
-    EXPECT_EQ(status, -1);
-    read_text_as_project("Trensil Project Version 1.0\r\n1000 10\r\na\r\nb\r\nc\r\nmany\r\n");
-    EXPECT_EQ(status, -1);
-    EXPECT_EQ(ui.messages,
-              std::vector<std::string>(3, "The specified file does not have the corrext format"));
-}
-
-TEST_F(project_file, missing_file_fails_silently_and_short_file_reports) {
+TEST_F(project_file, format_failures_and_short_files_report_and_a_missing_file_does_not) {
     read_project(dir.file("none.qvj"), project, status, ui);
     EXPECT_EQ(status, -1);
     EXPECT_TRUE(ui.messages.empty());
-
-    read_text_as_project("Trensil Project Version 1.0\r\n1000 10\r\na\r\nb\r\nc\r\n5\r\n1\r\n");
-    EXPECT_EQ(status, -1);
-    ASSERT_EQ(ui.messages.size(), 1u);
-    EXPECT_EQ(ui.messages[0], "An error occurred while saving the file: Input past end of file");
+    const std::string head = "Trensil Project Version 1.0\r\n1000 10\r\na\r\nb\r\nc\r\n";
+    const std::string format = "The specified file does not have the corrext format";
+    const std::pair<std::string, std::string> cases[] = {
+        {"Some Other Project\r\n1000 10\r\n" + grids_and_two_lines, format},
+        {head + "-2\r\n", format},
+        {head + "many\r\n", format},
+        {head + "5\r\n1\r\n", "An error occurred while saving the file: Input past end of file"}};
+    for (const auto& [text, message] : cases) {
+        SCOPED_TRACE(text);
+        ui.messages.clear();
+        read_text_as_project(text);
+        EXPECT_EQ(status, -1);
+        EXPECT_EQ(ui.messages, std::vector<std::string>{message});
+    }
 }
 
 TEST_F(project_file, failed_write_keeps_old_file) {
