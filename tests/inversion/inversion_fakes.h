@@ -4,6 +4,7 @@
 // physics.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -11,39 +12,37 @@
 
 #include "core/model_record.h"
 #include "inversion/inversion_context.h"
+#include "inversion/inversion_session.h"
 #include "inversion/inversion_view.h"
 #include "response/response_state.h"
 #include "support/scripted_platform.h"
 
 namespace trensil::testing {
 
+template <class Map, class Key, class Value>
+Value lookup(const Map& map, const Key& key, Value otherwise) {
+    const auto it = map.find(key);
+    return it == map.end() ? otherwise : it->second;
+}
+
 class recording_view : public inversion_view {
 public:
     std::map<std::pair<inversion_control, int>, std::string> texts;
     std::map<inversion_control, std::string> captions;
-    std::map<inversion_control, bool> enabled;
-    std::map<inversion_control, bool> visible;
-    int combo_index = 0;
-    int gradient_check = 0;
-    int redraws = 0;
-    int body_table_shown = 0;
+    std::map<inversion_control, bool> enabled, visible;
+    int combo_index = 0, gradient_check = 0, redraws = 0, body_table_shown = 0, model_changed = 0;
     std::vector<int> display_model_calls;
-    int model_changed = 0;
 
     void set_text(inversion_control c, int item, const std::string& t) override {
         texts[{c, item}] = t;
     }
     std::string text(inversion_control c, int item) const override {
-        const auto it = texts.find({c, item});
-        return it == texts.end() ? std::string() : it->second;
+        return lookup(texts, std::pair{c, item}, std::string());
     }
     void set_caption(inversion_control c, const std::string& t) override { captions[c] = t; }
     void set_enabled(inversion_control c, bool e) override { enabled[c] = e; }
     void set_visible(inversion_control c, bool v) override { visible[c] = v; }
-    bool is_visible(inversion_control c) const override {
-        const auto it = visible.find(c);
-        return it != visible.end() && it->second;
-    }
+    bool is_visible(inversion_control c) const override { return lookup(visible, c, false); }
     int list_index(inversion_control) const override { return combo_index; }
     void set_list_index(inversion_control, int index) override { combo_index = index; }
     int check_value(inversion_control) const override { return gradient_check; }
@@ -52,10 +51,7 @@ public:
     void display_model(int mode) override { display_model_calls.push_back(mode); }
     void set_model_changed() override { ++model_changed; }
 
-    bool is_enabled(inversion_control c) const {
-        const auto it = enabled.find(c);
-        return it != enabled.end() && it->second;
-    }
+    bool is_enabled(inversion_control c) const { return lookup(enabled, c, false); }
     std::string misfit_box(int item) const {
         return text(inversion_control::Text_MAGINV_misfit, item);
     }
@@ -80,19 +76,12 @@ struct toy_engine {
     int mag_computations = 0;           // magnetic body responses computed
     std::vector<float> distances_seen;  // distance of body 1 at every call
 
-    static float bump(const body_record& b, float x) {
-        const float h = 50.0f - b.top.value;
-        const float dx = x - b.distance.value;
-        return h / (dx * dx + h * h);
-    }
-
     void operator()(model_record& model, response_state& rs, array2<float>& mag,
                     array2<float>& grav, array1<float>& residuals) {
         const profile_block& p = model.profile;
-        const int n = p.num_stations;
         if (model.num_bodies >= 1) distances_seen.push_back(model.body(1).distance.value);
-        rebuild(model, mag, n, model.magpos > 0, true);
-        rebuild(model, grav, n, model.gravpos > 0, false);
+        if (model.magpos > 0) rebuild(model, mag, true);
+        if (model.gravpos > 0) rebuild(model, grav, false);
         const array2<float>& chosen = rs.inversion_uses_gravity == 1 ? grav : mag;
         const int first = p.inversion_first_station;
         for (int i = first; i <= p.inversion_last_station; ++i)
@@ -100,28 +89,26 @@ struct toy_engine {
                                                           static_cast<double>(chosen(2, i)));
     }
 
-    void rebuild(model_record& model, array2<float>& ch, int n, bool present, bool magnetic) {
-        if (!present) return;
+    void rebuild(model_record& model, array2<float>& ch, bool magnetic) {
+        const int n = model.profile.num_stations;
         bool stale = false;
-        for (int b = 1; b <= model.num_bodies; ++b) {
-            const auto flag = magnetic ? model.body(b).mag_valid : model.body(b).grav_valid;
-            if (flag == 0) stale = true;
-        }
+        for (int b = 1; b <= model.num_bodies; ++b)
+            stale |= (magnetic ? model.body(b).mag_valid : model.body(b).grav_valid) == 0;
         if (!stale) return;
-        for (int r = 6; r <= 10; ++r)
-            for (int i = 1; i <= n; ++i) ch(r, i) = 0.0f;
+        for (int i = 1; i <= n; ++i) ch(6, i) = 0.0f;
         for (int b = 1; b <= model.num_bodies; ++b) {
             body_record& body = model.body(b);
             auto& flag = magnetic ? body.mag_valid : body.grav_valid;
             const int row = magnetic ? 1 : 2;
             if (flag == 0) {
-                if (magnetic) ++mag_computations;
+                mag_computations += magnetic ? 1 : 0;
+                const float h = 50.0f - body.top.value;
+                const float scale = body.disabled == 1 ? 0.0f
+                                    : magnetic         ? body.susc.value * body.width.value * 1e-4f
+                                               : body.density.value * body.width.value * 10.0f;
                 for (int i = 1; i <= n; ++i) {
-                    const float g = bump(body, model.profile.profile_distance(i));
-                    body.body_response(row, i) =
-                        body.disabled == 1 ? 0.0f
-                        : magnetic         ? body.susc.value * body.width.value * 1e-4f * g
-                                           : body.density.value * body.width.value * 10.0f * g;
+                    const float dx = model.profile.profile_distance(i) - body.distance.value;
+                    body.body_response(row, i) = scale * (h / (dx * dx + h * h));
                 }
                 flag = -1;
             }
@@ -130,43 +117,6 @@ struct toy_engine {
         for (int i = 1; i <= n; ++i) ch(7, i) = ch(6, i);
     }
 };
-
-// A model of n stations 10 m apart on flat ground at elevation 0, magnetic and gravity columns
-// present, and `bodies` default bodies of type 2 (no settings).
-inline void make_flat_model(model_record& model, int n, int bodies) {
-    reset_model(model);
-    model.magpos = 5;
-    model.gravpos = 6;
-    model.profile.allocate_stations(n);
-    model.profile.profile_distance.resize(1, n);
-    model.profile.residuals.resize(1, n);
-    for (int i = 1; i <= n; ++i) {
-        model.profile.profile_distance(i) = 10.0f * static_cast<float>(i - 1);
-        model.profile.location(easting_row, i) = 10.0 * (i - 1);
-        model.profile.location(ground_row, i) = 0.0;
-        model.profile.location(sensor_row, i) = 10.0;
-    }
-    model.num_bodies = bodies;
-    for (int b = 1; b <= bodies; ++b) {
-        new_body_defaults(model, b, nullptr);
-        model.body(b).type = 2;
-    }
-    prepare_channels(model);
-}
-
-// Makes the observed rows 1 and 2 of both channels the toy response of the model as it stands.
-inline void observe_current_model(model_record& model, response_state& rs) {
-    toy_engine engine;
-    clear_body_results(model);
-    array1<float> residuals(1, model.profile.num_stations);
-    profile_block& p = model.profile;
-    engine(model, rs, p.mag_channels, p.grav_channels, residuals);
-    for (int i = 1; i <= p.num_stations; ++i) {
-        p.mag_channels(1, i) = p.mag_channels(2, i) = p.mag_channels(6, i);
-        p.grav_channels(1, i) = p.grav_channels(2, i) = p.grav_channels(6, i);
-    }
-    clear_body_results(model);
-}
 
 // Only the given property rows of every body are free.
 inline void free_only(model_record& model, std::initializer_list<parameter body_record::*> free) {
@@ -195,6 +145,70 @@ struct toy_setup {
             written.emplace_back(path, m.body(1).distance.value);
             return true;
         };
+    }
+
+    // n stations 10 m apart on flat ground at 0, magnetic and gravity columns present, and
+    // `bodies` default bodies of type 2.
+    void flat_line(int n, int bodies) {
+        reset_model(model);
+        model.magpos = 5;
+        model.gravpos = 6;
+        profile_block& p = model.profile;
+        p.allocate_stations(n);
+        p.profile_distance.resize(1, n);
+        p.residuals.resize(1, n);
+        for (int i = 1; i <= n; ++i) {
+            p.profile_distance(i) = 10.0f * static_cast<float>(i - 1);
+            p.location(easting_row, i) = 10.0 * (i - 1);
+            p.location(ground_row, i) = 0.0;
+            p.location(sensor_row, i) = 10.0;
+        }
+        model.num_bodies = bodies;
+        for (int b = 1; b <= bodies; ++b) {
+            new_body_defaults(model, b, nullptr);
+            model.body(b).type = 2;
+        }
+        prepare_channels(model);
+    }
+
+    // Observed rows 1 and 2 of both channels := the toy response of the model with `truth`
+    // applied to body 1; body 1 is then put back as it was.
+    void observe_with(const std::function<void(body_record&)>& truth) {
+        const body_record saved = model.body(1);
+        truth(model.body(1));
+        toy_engine once;
+        clear_body_results(model);
+        array1<float> residuals(1, model.profile.num_stations);
+        profile_block& p = model.profile;
+        once(model, response, p.mag_channels, p.grav_channels, residuals);
+        for (int i = 1; i <= p.num_stations; ++i) {
+            p.mag_channels(1, i) = p.mag_channels(2, i) = p.mag_channels(6, i);
+            p.grav_channels(1, i) = p.grav_channels(2, i) = p.grav_channels(6, i);
+        }
+        model.body(1) = saved;
+        clear_body_results(model);
+    }
+
+    // 41 stations, body 1 at 200 m while the data put it at `truth` m; only distance is free.
+    void shifted_body(float truth = 260.0f) {
+        flat_line(41, 1);
+        model.body(1).distance.value = 200.0f;
+        observe_with([truth](body_record& b) { b.distance.value = truth; });
+        free_only(model, {&body_record::distance});
+    }
+
+    float run(int max_iterations, int& status, int mode = inversion_mode_magnetics) {
+        float misfit = 0.0f;
+        status = 0;
+        run_inversion(ctx, true, mode, max_iterations, 1, misfit, status);
+        return misfit;
+    }
+
+    void click_invert(const std::string& max_text) {
+        view.set_text(inversion_control::Text_max_iterations, 0, max_text);
+        view.combo_index = inversion_mode_magnetics;
+        ui.process_events_calls = 0;
+        on_invert_click(ctx, 1, 1);
     }
 };
 

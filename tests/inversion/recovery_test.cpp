@@ -4,8 +4,7 @@
 // whole steps are tried, and the one-per-cent rule ends the run.
 #include <gtest/gtest.h>
 
-#include <cmath>
-#include <functional>
+#include <string>
 
 #include "inversion/inversion_session.h"
 #include "inversion/parameter_vector.h"
@@ -16,7 +15,6 @@ namespace trensil {
 namespace {
 
 using testing::free_only;
-using testing::recording_view;
 
 // A line of n stations 10 m apart running east on flat ground at 0, sensor 10 m above it, and
 // one body striking north across it.
@@ -25,10 +23,10 @@ struct synthetic_line {
     response_state response;
     inversion_state state;
     scripted_platform ui;
-    recording_view view;
+    testing::recording_view view;
     inversion_context ctx{model, response, state, ui, view};
 
-    synthetic_line(int n, int type, bool gravity) {
+    synthetic_line(int n, int type, bool gravity, float length = 0.0f) {
         ctx.write_model = [](model_record&, const std::string&) { return true; };
         reset_model(model);
         model.magpos = gravity ? 0 : 5;
@@ -54,7 +52,7 @@ struct synthetic_line {
         b.dip.value = 90.0f;
         b.width.value = 60.0f;
         b.depth_extent.value = 200.0f;
-        b.length.value = 0.0f;
+        b.length.value = length;
         b.susc.value = 50000.0f;
         b.density.value = 0.5f;
         prepare_channels(model);
@@ -85,62 +83,41 @@ struct synthetic_line {
     }
 };
 
-TEST(recovery, magnetic_thin_sheet_of_infinite_strike) {
-    synthetic_line line(101, 1, false);
-    line.observe();
-    body_record& b = line.model.body(1);
-    free_only(line.model, {&body_record::distance, &body_record::susc});
-    b.distance.value = 473.3f;
-    b.susc.value = 42130.0f;  // some 32 steps of 250 away
-    float initial = 0.0f;
-    const float misfit = line.invert(inversion_mode_magnetics, initial);
-    EXPECT_LT(misfit, 0.1f * initial);
-    EXPECT_NEAR(b.distance.value, 500.0f, 2.0f);
-    EXPECT_NEAR(b.susc.value, 50000.0f, 250.0f);
-}
-
-TEST(recovery, gravity_thick_sheet_of_infinite_strike) {
-    synthetic_line line(101, 2, true);
-    line.observe();
-    body_record& b = line.model.body(1);
-    free_only(line.model, {&body_record::distance, &body_record::density});
-    b.distance.value = 538.6f;
-    b.density.value = 0.337f;
-    float initial = 0.0f;
-    const float misfit = line.invert(inversion_mode_gravity, initial);
-    EXPECT_LT(misfit, 0.05f * initial);
-    EXPECT_NEAR(b.distance.value, 500.0f, 2.0f);
-    EXPECT_NEAR(b.density.value, 0.5f, 0.005f);
-}
-
-TEST(recovery, magnetic_strike_limited_thick_sheet) {
-    synthetic_line line(101, 2, false);
-    line.model.body(1).length.value = 300.0f;
-    line.observe();
-    body_record& b = line.model.body(1);
-    free_only(line.model, {&body_record::distance, &body_record::top});
-    b.distance.value = 526.1f;
-    b.top.value = -53.7f;
-    float initial = 0.0f;
-    const float misfit = line.invert(inversion_mode_magnetics, initial);
-    EXPECT_LT(misfit, 0.15f * initial);
-    EXPECT_NEAR(b.distance.value, 500.0f, 2.5f);
-    EXPECT_NEAR(b.top.value, -40.0f, 1.5f);
-}
-
-TEST(recovery, gravity_strike_limited_thick_sheet) {
-    synthetic_line line(101, 2, true);
-    line.model.body(1).length.value = 300.0f;
-    line.observe();
-    body_record& b = line.model.body(1);
-    free_only(line.model, {&body_record::distance, &body_record::density});
-    b.distance.value = 461.7f;
-    b.density.value = 0.683f;
-    float initial = 0.0f;
-    const float misfit = line.invert(inversion_mode_gravity, initial);
-    EXPECT_LT(misfit, 0.05f * initial);
-    EXPECT_NEAR(b.distance.value, 500.0f, 2.0f);
-    EXPECT_NEAR(b.density.value, 0.5f, 0.005f);
+TEST(recovery, one_run_from_a_perturbed_start_comes_back_to_the_true_body) {
+    using member = parameter body_record::*;
+    const struct {
+        const char* name;
+        int type;
+        bool gravity;
+        float length;
+        member a, b;
+        float a_start, b_start, a_tolerance, b_tolerance, misfit_ratio;
+    } table[] = {
+        {"magnetic thin sheet, infinite strike", 1, false, 0.0f, &body_record::distance,
+         &body_record::susc, 473.3f, 42130.0f, 2.0f, 250.0f, 0.1f},  // susc 32 steps away
+        {"gravity thick sheet, infinite strike", 2, true, 0.0f, &body_record::distance,
+         &body_record::density, 538.6f, 0.337f, 2.0f, 0.005f, 0.05f},
+        {"magnetic thick sheet, strike-limited", 2, false, 300.0f, &body_record::distance,
+         &body_record::top, 526.1f, -53.7f, 2.5f, 1.5f, 0.15f},
+        {"gravity thick sheet, strike-limited", 2, true, 300.0f, &body_record::distance,
+         &body_record::density, 461.7f, 0.683f, 2.0f, 0.005f, 0.05f},
+    };
+    for (const auto& r : table) {
+        SCOPED_TRACE(r.name);
+        synthetic_line line(101, r.type, r.gravity, r.length);
+        body_record& b = line.model.body(1);
+        line.observe();
+        const float a_true = (b.*r.a).value, b_true = (b.*r.b).value;
+        free_only(line.model, {r.a, r.b});
+        (b.*r.a).value = r.a_start;
+        (b.*r.b).value = r.b_start;
+        float initial = 0.0f;
+        const float misfit =
+            line.invert(r.gravity ? inversion_mode_gravity : inversion_mode_magnetics, initial);
+        EXPECT_LT(misfit, r.misfit_ratio * initial);
+        EXPECT_NEAR((b.*r.a).value, a_true, r.a_tolerance);
+        EXPECT_NEAR((b.*r.b).value, b_true, r.b_tolerance);
+    }
 }
 
 // Depth and susceptibility trade against each other: coordinate descent zig-zags along the

@@ -13,38 +13,14 @@ namespace {
 
 using ic = inversion_control;
 using testing::free_only;
-using testing::make_flat_model;
-using testing::observe_current_model;
 using testing::toy_setup;
 
-// 41 stations, body 1 at 200 m while the data put it at 260 m: every iteration gains well over
-// one per cent for several iterations. Only distance is free.
-void shifted_body(toy_setup& t) {
-    make_flat_model(t.model, 41, 1);
-    t.model.body(1).distance.value = 260.0f;
-    observe_current_model(t.model, t.response);
-    t.model.body(1).distance.value = 200.0f;
-    free_only(t.model, {&body_record::distance});
-}
-
-void click_invert(toy_setup& t, const std::string& max_text) {
-    t.view.set_text(ic::Text_max_iterations, 0, max_text);
-    t.view.combo_index = inversion_mode_magnetics;
-    t.ui.process_events_calls = 0;
-    on_invert_click(t.ctx, 1, 1);
-}
-
 TEST(max_iterations_text, empty_or_bad_is_25_and_rounds_to_at_least_one) {
-    EXPECT_EQ(parse_max_iterations(""), 25);
-    EXPECT_EQ(parse_max_iterations("   "), 25);
-    EXPECT_EQ(parse_max_iterations("ten"), 25);
-    EXPECT_EQ(parse_max_iterations("12abc"), 25);
-    EXPECT_EQ(parse_max_iterations(" 7 "), 7);
-    EXPECT_EQ(parse_max_iterations("0"), 1);
-    EXPECT_EQ(parse_max_iterations("-3"), 1);
-    EXPECT_EQ(parse_max_iterations("2.6"), 3);
-    EXPECT_EQ(parse_max_iterations("2.5"), 2);  // halves to even
-    EXPECT_EQ(parse_max_iterations("1e1"), 10);
+    const std::pair<const char*, int> table[] = {
+        {"", 25}, {"   ", 25}, {"ten", 25}, {"12abc", 25}, {" 7 ", 7},
+        {"0", 1}, {"-3", 1},   {"2.6", 3},  {"2.5", 2},    {"1e1", 10},  // 2.5 halves to even
+    };
+    for (const auto& [text, runs] : table) EXPECT_EQ(parse_max_iterations(text), runs) << text;
 }
 
 TEST(invert_click, runs_the_iterations_the_box_asks_for_and_writes_the_limit_back) {
@@ -57,8 +33,8 @@ TEST(invert_click, runs_the_iterations_the_box_asks_for_and_writes_the_limit_bac
                          row{"x", 0, "25"}}) {
         SCOPED_TRACE(r.text);
         toy_setup t;
-        shifted_body(t);
-        click_invert(t, r.text);
+        t.shifted_body();
+        t.click_invert(r.text);
         if (r.iterations > 0) {
             EXPECT_EQ(t.state.iterations_done, r.iterations);
         }
@@ -68,8 +44,8 @@ TEST(invert_click, runs_the_iterations_the_box_asks_for_and_writes_the_limit_bac
 
 TEST(invert_click, a_run_ends_with_success_and_the_panel_back_at_rest) {
     toy_setup t;
-    shifted_body(t);
-    click_invert(t, "3");
+    t.shifted_body();
+    t.click_invert("3");
     EXPECT_TRUE(t.view.is_visible(ic::Label_status));
     EXPECT_EQ(t.view.text(ic::Label_status, 0), "Inversion succeeded");
     EXPECT_TRUE(t.view.is_enabled(ic::Command_reject_changes));
@@ -86,9 +62,9 @@ TEST(invert_click, a_run_ends_with_success_and_the_panel_back_at_rest) {
 
 TEST(invert_click, nothing_free_shows_the_message_and_marks_the_model_changed) {
     toy_setup t;
-    shifted_body(t);
+    t.shifted_body();
     free_only(t.model, {});
-    click_invert(t, "");
+    t.click_invert("");
     EXPECT_EQ(t.ui.messages, std::vector<std::string>{"There are no parameters free to invert on"});
     EXPECT_EQ(t.view.model_changed, 1);
     EXPECT_TRUE(t.view.is_enabled(ic::Command_save_qvx_model));
@@ -98,15 +74,15 @@ TEST(invert_click, nothing_free_shows_the_message_and_marks_the_model_changed) {
 
 TEST(invert_click, without_stations_nothing_happens) {
     toy_setup t;
-    make_flat_model(t.model, 0, 1);
-    click_invert(t, "");
+    t.flat_line(0, 1);
+    t.click_invert("");
     EXPECT_TRUE(t.view.texts.size() == 1);  // only the box the test typed in
     EXPECT_TRUE(t.view.display_model_calls.empty());
 }
 
 TEST(run_inversion, range_with_first_not_before_last_becomes_the_whole_profile) {
     toy_setup t;
-    shifted_body(t);
+    t.shifted_body();
     t.model.profile.inversion_first_station = 30;
     t.model.profile.inversion_last_station = 30;
     float misfit = 0.0f;
@@ -127,7 +103,7 @@ TEST(run_inversion, range_with_first_not_before_last_becomes_the_whole_profile) 
 
 TEST(run_inversion, without_a_current_body_leaves_status_untouched) {
     toy_setup t;
-    shifted_body(t);
+    t.shifted_body();
     float misfit = 0.0f;
     int status = 7;
     run_inversion(t.ctx, true, inversion_mode_magnetics, 1, 0, misfit, status);
@@ -139,14 +115,14 @@ TEST(run_inversion, without_a_current_body_leaves_status_untouched) {
 
 TEST(reject_changes, returns_exactly_the_parameters_of_the_last_run) {
     toy_setup t;
-    shifted_body(t);
+    t.shifted_body();
     t.model.body(1).width.vary = 1.0f;
-    click_invert(t, "2");
+    t.click_invert("2");
     const float after_first = t.model.body(1).distance.value;
     const float width_after_first = t.model.body(1).width.value;
     ASSERT_NE(after_first, 200.0f);
     t.model.body(1).dip.value = 45.0f;  // not free: stays as it is now
-    click_invert(t, "2");
+    t.click_invert("2");
     ASSERT_NE(t.model.body(1).distance.value, after_first);
 
     on_reject_changes(t.ctx);
@@ -164,13 +140,13 @@ TEST(reject_changes, returns_exactly_the_parameters_of_the_last_run) {
 
 TEST(restore_best, saves_the_current_model_first_then_puts_back_the_best) {
     toy_setup t;
-    shifted_body(t);
-    click_invert(t, "3");
+    t.shifted_body();
+    t.click_invert("3");
     const float best = t.model.body(1).distance.value;
     // The user moves the body off; a one-iteration run cannot beat the first run's misfit.
     t.model.body(1).distance.value = 100.0f;
     clear_body_results(t.model);
-    click_invert(t, "1");
+    t.click_invert("1");
     const float worse = t.model.body(1).distance.value;
     ASSERT_NE(worse, best);
 
@@ -193,9 +169,9 @@ TEST(restore_best, saves_the_current_model_first_then_puts_back_the_best) {
 
 TEST(restore_best, a_run_that_gains_nothing_keeps_the_start_model_as_best) {
     toy_setup t;
-    shifted_body(t);
+    t.shifted_body();
     free_only(t.model, {&body_record::plunge});  // no influence
-    click_invert(t, "5");
+    t.click_invert("5");
     EXPECT_TRUE(t.state.have_best_model);
     EXPECT_FLOAT_EQ(t.state.best_parameters(1), 0.0f);  // the start, before the drift
     on_restore_best(t.ctx);
@@ -204,14 +180,14 @@ TEST(restore_best, a_run_that_gains_nothing_keeps_the_start_model_as_best) {
 
 TEST(restore_best, a_new_count_of_free_parameters_ends_the_claim_to_a_best_model) {
     toy_setup t;
-    shifted_body(t);
-    click_invert(t, "3");
+    t.shifted_body();
+    t.click_invert("3");
     const float first_best = t.state.best_misfit;
     ASSERT_TRUE(t.state.have_best_model);
     t.model.body(1).distance.value = 100.0f;
     t.model.body(1).width.vary = 1.0f;  // two free parameters now
     clear_body_results(t.model);
-    click_invert(t, "1");
+    t.click_invert("1");
     EXPECT_FALSE(t.state.have_best_model);
     EXPECT_EQ(t.state.best_misfit, first_best);
     EXPECT_TRUE(t.view.is_enabled(ic::Command_restore_best));  // enabled, yet nothing to restore
@@ -234,8 +210,8 @@ TEST(restore_best, writes_latest_qvx_in_the_current_directory) {
     {
         toy_setup t;
         t.ctx.write_model = file_model_writer(t.ui);
-        shifted_body(t);
-        click_invert(t, "2");
+        t.shifted_body();
+        t.click_invert("2");
         on_restore_best(t.ctx);
         EXPECT_TRUE(t.ui.messages.empty());
     }
@@ -249,7 +225,7 @@ TEST(restore_best, writes_latest_qvx_in_the_current_directory) {
 
 TEST(data_type_choice, keeps_a_type_the_model_has_data_for) {
     toy_setup t;
-    make_flat_model(t.model, 5, 1);
+    t.flat_line(5, 1);
     t.model.magpos = 0;
     t.view.combo_index = inversion_mode_magnetics;
     keep_possible_data_type(t.ctx);
@@ -265,8 +241,8 @@ TEST(data_type_choice, keeps_a_type_the_model_has_data_for) {
 
 TEST(panel_controls, gradient_mode_and_toggle_forget_the_best_misfit) {
     toy_setup t;
-    shifted_body(t);
-    click_invert(t, "2");
+    t.shifted_body();
+    t.click_invert("2");
     ASSERT_NE(t.state.best_misfit, undefined_value);
     t.view.gradient_check = 1;
     on_inversion_mode_click(t.ctx);
