@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <optional>
 #include <sstream>
 
 #include "export_fixtures.h"
@@ -113,17 +114,9 @@ TEST(dxf_files, are_read_by_a_dxf_reader_with_the_written_geometry) {
                                                      1050, 5100, 50}));
 }
 
-TEST(plan_dxf, without_stations_holds_only_the_bodies) {
-    model_record model = small_model();
-    model.profile.num_stations = 0;  // the ranges stay as the data gave them
-    const std::string text = plan_text(model);
-    std::istringstream in(text);
-    int polylines = 0;
-    for (std::string line; std::getline(in, line);) polylines += line == "POLYLINE\r";
-    EXPECT_EQ(polylines, 1);
-    EXPECT_NE(text.find(" 1060 "), std::string::npos);
-}
-
+// Sheets and cylinders that reach the squared view get a footprint (the pipe twice as broad as
+// its width); a sphere, a polygon and a sheet wholly outside get none. Without stations the file
+// holds only the bodies.
 TEST(plan_dxf, writes_footprints_only_for_sheets_and_cylinders_that_reach_the_view) {
     model_record model = small_model();
     add_body(model, 6, "Sphere", 1050.0, 5000.0, 0.0f, 90.0f);
@@ -135,10 +128,15 @@ TEST(plan_dxf, writes_footprints_only_for_sheets_and_cylinders_that_reach_the_vi
     scratch_directory dir("plan_bodies");
     std::string error;
     ASSERT_EQ(write_plan_dxf(model, dir.file("p.dxf"), error), 0);
-    const auto lines = read_dxf(dir.file("p.dxf")).of_kind("POLYLINE");
+    auto lines = read_dxf(dir.file("p.dxf")).of_kind("POLYLINE");
     ASSERT_EQ(lines.size(), 3u);  // profile, dyke, pipe
     EXPECT_EQ(lines[2].numbers, (std::vector<double>{1076, 4990, 0, 1076, 5010, 0, 1084, 5010, 0,
                                                      1084, 4990, 0, 1076, 4990, 0}));
+    model.profile.num_stations = 0;  // the ranges stay as the data gave them
+    ASSERT_EQ(write_plan_dxf(model, dir.file("p.dxf"), error), 0);
+    lines = read_dxf(dir.file("p.dxf")).of_kind("POLYLINE");
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_EQ(lines[0].numbers[6], 1060.0);  // the dyke comes first
 }
 
 TEST(body_dxf, keeps_the_four_character_group_codes_of_sheet_faces_and_empty_names) {
@@ -149,10 +147,16 @@ TEST(body_dxf, keeps_the_four_character_group_codes_of_sheet_faces_and_empty_nam
     EXPECT_NE(text.find("\r\n  33\r\n"), std::string::npos);
 }
 
-TEST(body_dxf, writes_every_non_cylinder_as_a_sheet_and_zero_depth_as_1000_deep) {
+// Every body but a cylinder is written as a sheet, a zero depth extent as 1000 deep, and a
+// cylinder whose mesh cannot be made is left out.
+TEST(body_dxf, writes_every_non_cylinder_as_a_sheet_and_leaves_out_an_unmeshable_cylinder) {
     model_record model = small_model();
     model.body(1).depth_extent.value = 0.0f;
     add_body(model, 6, "Sphere", 1050.0, 5000.0, 0.0f, 90.0f).top.value = 20.0f;
+    body_record& hollow = add_body(model, 16, "Hollow", 1050.0, 5000.0, 0.0f, 0.0f);
+    hollow.width.value = 10.0f;
+    hollow.length.value = 50.0f;
+    hollow.shell_thickness = 8.0f;  // not below the radius: refused
     scratch_directory dir("body_sheets");
     response_state state;
     std::string error;
@@ -161,6 +165,7 @@ TEST(body_dxf, writes_every_non_cylinder_as_a_sheet_and_zero_depth_as_1000_deep)
     ASSERT_EQ(faces.size(), 12u);
     EXPECT_DOUBLE_EQ(faces[1].numbers[2], -900.0);  // bottom: top 100 less 1000
     EXPECT_EQ(faces[6].layer, "Sphere");
+    EXPECT_EQ(faces[11].layer, "Sphere");
 }
 
 TEST(body_dxf, writes_each_cylinder_triangle_with_three_character_codes_to_two_decimals) {
@@ -200,49 +205,44 @@ TEST(body_dxf, writes_each_cylinder_triangle_with_three_character_codes_to_two_d
     }
 }
 
-TEST(body_dxf, leaves_out_a_cylinder_whose_mesh_cannot_be_made) {
-    model_record model = small_model();
-    body_record& hollow = add_body(model, 16, "Hollow", 1050.0, 5000.0, 0.0f, 0.0f);
-    hollow.width.value = 10.0f;
-    hollow.length.value = 50.0f;
-    hollow.shell_thickness = 8.0f;  // not below the radius: refused
-    const auto text = body_text(model);
-    EXPECT_EQ(text.find("Hollow"), std::string::npos);
-    EXPECT_NE(text.find("Dyke"), std::string::npos);
+// The menu command asks for the plan file (".dxf" added), then the 3-D file, and reports each;
+// a cancelled plan does not stop the 3-D file; without bodies no 3-D file is asked for.
+TEST(dxf_commands, write_plan_then_3d_and_report_each) {
+    const struct {
+        const char* name;
+        std::optional<std::string> plan;
+        int bodies;
+        bool plan_written, body_written;
+        std::size_t messages;
+    } table[] = {
+        {"both", "plan", 1, true, true, 2},
+        {"plan cancelled", std::nullopt, 1, false, true, 1},
+        {"no bodies", "plan", 0, true, false, 1},
+    };
+    for (const auto& r : table) {
+        SCOPED_TRACE(r.name);
+        scratch_directory dir("dxf_commands");
+        model_record model = small_model();
+        model.num_bodies = r.bodies;
+        response_state state;
+        scripted_platform ui;
+        ui.file_answers = {r.plan ? std::optional(dir.file(*r.plan)) : std::nullopt,
+                           dir.file("model_3d.dxf")};
+        menu_export_dxf(model, state, ui);
+        EXPECT_EQ(read_dxf(dir.file("plan.dxf")).readable, r.plan_written);
+        EXPECT_EQ(ui.file_answers.size(), r.body_written ? 0u : 1u);
+        if (r.body_written) {
+            EXPECT_EQ(read_bytes(dir.file("model_3d.dxf")),
+                      read_bytes(reference_dir + "small_3d.dxf"));
+        }
+        EXPECT_EQ(ui.messages, std::vector<std::string>(r.messages, "Output complete"));
+    }
 }
 
-class dxf_commands : public ::testing::Test {
-protected:
-    scratch_directory dir{"dxf_commands"};
+TEST(dxf_commands, a_failed_write_is_reported_and_leaves_the_working_directory) {
+    scratch_directory dir("dxf_fail");
     model_record model = small_model();
-    response_state state;
     scripted_platform ui;
-};
-
-TEST_F(dxf_commands, write_plan_then_3d_and_report_each) {
-    ui.file_answers = {dir.file("plan"), dir.file("model_3d.dxf")};
-    menu_export_dxf(model, state, ui);
-    EXPECT_TRUE(testing::read_dxf(dir.file("plan.dxf")).readable);  // ".dxf" added
-    EXPECT_EQ(read_bytes(dir.file("model_3d.dxf")), read_bytes(reference_dir + "small_3d.dxf"));
-    EXPECT_EQ(ui.messages, (std::vector<std::string>{"Output complete", "Output complete"}));
-}
-
-TEST_F(dxf_commands, a_cancel_of_the_plan_does_not_stop_the_3d_file) {
-    ui.file_answers = {std::nullopt, dir.file("model_3d.dxf")};
-    menu_export_dxf(model, state, ui);
-    EXPECT_TRUE(std::filesystem::exists(dir.file("model_3d.dxf")));
-    EXPECT_EQ(ui.messages, (std::vector<std::string>{"Output complete"}));
-}
-
-TEST_F(dxf_commands, no_bodies_ask_for_no_3d_file) {
-    model.num_bodies = 0;
-    ui.file_answers = {dir.file("plan.dxf"), dir.file("never.dxf")};
-    menu_export_dxf(model, state, ui);
-    EXPECT_EQ(ui.file_answers.size(), 1u);
-    EXPECT_FALSE(std::filesystem::exists(dir.file("never.dxf")));
-}
-
-TEST_F(dxf_commands, a_failed_write_is_reported_and_leaves_the_working_directory) {
     const auto before = std::filesystem::current_path();
     ui.file_answers = {dir.file("missing/plan.dxf")};
     EXPECT_EQ(export_plan_dxf(model, ui), -1);

@@ -87,11 +87,8 @@ inline std::string read_bytes(const std::string& path) {
 inline std::vector<std::string> read_lines(const std::string& path) {
     std::vector<std::string> lines;
     std::istringstream in(read_bytes(path));
-    std::string line;
-    while (std::getline(in, line)) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        lines.push_back(line);
-    }
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line.substr(0, line.find('\r')));
     return lines;
 }
 
@@ -132,11 +129,8 @@ struct dxf_reading {
 };
 
 inline std::vector<double> parse_numbers(const std::string& text) {
-    std::vector<double> values;
     std::istringstream in(text);
-    double v = 0.0;
-    while (in >> v) values.push_back(v);
-    return values;
+    return {std::istream_iterator<double>(in), std::istream_iterator<double>()};
 }
 
 inline dxf_reading read_dxf(const std::string& path) {
@@ -146,27 +140,17 @@ inline dxf_reading read_dxf(const std::string& path) {
     dxf_reading reading;
     reading.readable = status == 0;
     std::istringstream in(output);
-    std::string line;
-    while (std::getline(in, line)) {
-        std::vector<std::string> fields;
-        std::string::size_type start = 0;
-        for (;;) {
-            const auto tab = line.find('\t', start);
-            fields.push_back(line.substr(start, tab - start));
-            if (tab == std::string::npos) break;
-            start = tab + 1;
-        }
-        if (fields[0] == "EXTMIN" && fields.size() > 1) {
-            reading.extmin = parse_numbers(fields[1]);
-        } else if (fields[0] == "EXTMAX" && fields.size() > 1) {
-            reading.extmax = parse_numbers(fields[1]);
-        } else if (fields[0] == "LAYERS" && fields.size() > 1) {
-            reading.layers = fields[1];
-        } else if (fields.size() >= 3) {
-            dxf_item item{fields[0], fields[1], std::stoi(fields[2]), {}};
-            if (fields.size() > 3) item.numbers = parse_numbers(fields[3]);
-            reading.entities.push_back(item);
-        }
+    for (std::string line; std::getline(in, line);) {
+        std::vector<std::string> f;
+        std::istringstream fields(line);
+        for (std::string field; std::getline(fields, field, '\t');) f.push_back(field);
+        if (f.size() == 2 && f[0] == "EXTMIN") reading.extmin = parse_numbers(f[1]);
+        if (f.size() == 2 && f[0] == "EXTMAX") reading.extmax = parse_numbers(f[1]);
+        if (f.size() == 2 && f[0] == "LAYERS") reading.layers = f[1];
+        if (f.size() >= 3)
+            reading.entities.push_back(
+                {f[0], f[1], std::stoi(f[2]),
+                 f.size() > 3 ? parse_numbers(f[3]) : std::vector<double>{}});
     }
     return reading;
 }
