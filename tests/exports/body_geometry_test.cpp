@@ -54,112 +54,23 @@ TEST(clip_segment, keeps_cuts_or_refuses_against_the_square) {
 // its axis and twice as broad as its width.
 TEST(plan_outline, footprints_of_sheets_and_cylinders) {
     const auto plan = outline_rules::plan_view, dxf = outline_rules::dxf_export;
+    // Outline A, B, B + w, A + w, A: given as A, B and the third point.
     const struct {
         const char* name;
         int type;
         float strike, length, offset, unbounded, left, right;
         outline_rules rules;
-        std::array<float, 5> x, y;
+        std::array<float, 6> abc;
     } table[] = {
-        {"unbounded, clipped",
-         1,
-         0,
-         0,
-         0,
-         0,
-         0,
-         0,
-         plan,
-         {500, 500, 520, 520, 500},
-         {-500, 500, 500, -500, -500}},
-        {"unbounded, model length",
-         1,
-         0,
-         0,
-         0,
-         400,
-         0,
-         0,
-         plan,
-         {500, 500, 520, 520, 500},
-         {-200, 200, 200, -200, -200}},
-        {"strike east: width south",
-         3,
-         90,
-         0,
-         0,
-         100,
-         0,
-         0,
-         plan,
-         {450, 550, 550, 450, 450},
-         {0, 0, -20, -20, 0}},
-        {"thin sheet ignores length",
-         1,
-         0,
-         100,
-         0,
-         400,
-         0,
-         0,
-         plan,
-         {500, 500, 520, 520, 500},
-         {-200, 200, 200, -200, -200}},
-        {"thick sheet, length and offset",
-         2,
-         0,
-         100,
-         10,
-         400,
-         0,
-         0,
-         plan,
-         {500, 500, 520, 520, 500},
-         {-40, 60, 60, -40, -40}},
-        {"thick sheet, view clips",
-         2,
-         0,
-         100,
-         10,
-         400,
-         20,
-         30,
-         plan,
-         {500, 500, 520, 520, 500},
-         {-20, 30, 30, -20, -20}},
-        {"thick sheet, clips not in the DXF",
-         2,
-         0,
-         100,
-         10,
-         400,
-         20,
-         30,
-         dxf,
-         {500, 500, 520, 520, 500},
-         {-40, 60, 60, -40, -40}},
-        {"unbounded in the DXF",
-         2,
-         0,
-         0,
-         0,
-         400,
-         0,
-         0,
-         dxf,
-         {500, 500, 520, 520, 500},
-         {-125, 125, 125, -125, -125}},
-        {"cylinder",
-         16,
-         0,
-         100,
-         0,
-         0,
-         0,
-         0,
-         plan,
-         {480, 480, 520, 520, 480},
-         {-50, 50, 50, -50, -50}},
+        {"clipped", 1, 0, 0, 0, 0, 0, 0, plan, {500, -500, 500, 500, 520, 500}},
+        {"model length", 1, 0, 0, 0, 400, 0, 0, plan, {500, -200, 500, 200, 520, 200}},
+        {"strike east", 3, 90, 0, 0, 100, 0, 0, plan, {450, 0, 550, 0, 550, -20}},
+        {"thin: no length", 1, 0, 100, 0, 400, 0, 0, plan, {500, -200, 500, 200, 520, 200}},
+        {"thick: length", 2, 0, 100, 10, 400, 0, 0, plan, {500, -40, 500, 60, 520, 60}},
+        {"thick: clips", 2, 0, 100, 10, 400, 20, 30, plan, {500, -20, 500, 30, 520, 30}},
+        {"thick: DXF", 2, 0, 100, 10, 400, 20, 30, dxf, {500, -40, 500, 60, 520, 60}},
+        {"unbounded DXF", 2, 0, 0, 0, 400, 0, 0, dxf, {500, -125, 500, 125, 520, 125}},
+        {"cylinder", 16, 0, 100, 0, 0, 0, 0, plan, {480, -50, 480, 50, 520, 50}},
     };
     for (const auto& r : table) {
         SCOPED_TRACE(r.name);
@@ -173,9 +84,12 @@ TEST(plan_outline, footprints_of_sheets_and_cylinders) {
         b.offset.value = r.offset;
         std::array<float, 5> x{}, y{};
         ASSERT_EQ(body_plan_outline(model, view, 1, x, y, r.rules), 5);
+        const auto& [ax, ay, bx, by, cx, cy] = r.abc;
+        const std::array<float, 5> ex{ax, bx, cx, ax + cx - bx, ax};
+        const std::array<float, 5> ey{ay, by, cy, ay + cy - by, ay};
         for (std::size_t k = 0; k < 5; ++k) {
-            EXPECT_NEAR(x[k], r.x[k], 1e-3) << "point " << k + 1;
-            EXPECT_NEAR(y[k], r.y[k], 1e-3) << "point " << k + 1;
+            EXPECT_NEAR(x[k], ex[k], 1e-3) << "point " << k + 1;
+            EXPECT_NEAR(y[k], ey[k], 1e-3) << "point " << k + 1;
         }
     }
 }
