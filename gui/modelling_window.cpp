@@ -52,10 +52,11 @@ QScrollBar* spin_bar(const QString& name) {
 
 modelling_window::modelling_window(platform& ui, settings_store& settings, bool opened_from_project,
                                    QWidget* parent)
-    : QMainWindow(parent), ws_(ui, settings) {
+    : QMainWindow(parent), ws_(ui, settings), inversion_panel_(ws_) {
     setObjectName("Form_trensil");
     setWindowTitle("Trensil");
     ws_.view = this;
+    ws_.inversion_panel = &inversion_panel_;
     ws_.opened_from_project = opened_from_project;
 
     build_menus();
@@ -188,8 +189,8 @@ QWidget* modelling_window::build_tabs() {
     auto* bl = new QVBoxLayout(bodies);
     auto* body_box = named(new QGroupBox("Current body"), "Frame_body");
     auto* bf = new QFormLayout(body_box);
-    auto* type = named(new QComboBox, "Combo_model_type");
-    bf->addRow("New body type", type);
+    // No body is added from this window yet: the new body type is kept for the logic, unseen.
+    named(new QComboBox(body_box), "Combo_model_type")->hide();
     field(bf, "Text_body_name", "Name");
     field(bf, "Text_body_rock_type", "Rock type");
     field(bf, "Text_body_description", "Description");
@@ -202,15 +203,7 @@ QWidget* modelling_window::build_tabs() {
     auto* label = named(new QCheckBox("Show body label"), "Check_show_body_label");
     connect(label, &QCheckBox::clicked, this, [this] { check_show_body_label(ws_); });
     bl->addWidget(label);
-    bl->addWidget(named(new QGroupBox("Move body"), "Frame_move_body"));
-    auto* invert = named(new QPushButton("Perform Inversion"), "Command_invert");
-    bl->addWidget(invert);
-    auto* mf = new QFormLayout;
-    field(mf, "Text_MAGINV_misfit", "Misfit")->setReadOnly(true);
-    field(mf, "Text_MAGINV_best_misfit", "Best misfit")->setReadOnly(true);
-    bl->addLayout(mf);
-    bl->addWidget(named(new QPushButton("Restore Best Model"), "Command_restore_best"));
-    bl->addWidget(named(new QPushButton("Reject Changes"), "Command_reject_changes"));
+    bl->addWidget(build_inversion_panel());
     bl->addStretch();
     tabs_->addTab(bodies, "Bodies");
 
@@ -246,6 +239,66 @@ QWidget* modelling_window::build_tabs() {
         }
     });
     return tabs_;
+}
+
+// The inversion panel. The slider frame it takes turns with, and the button that toggles the
+// two, are kept hidden until the window has sliders: the panel alone is always in place.
+QWidget* modelling_window::build_inversion_panel() {
+    auto* panel = named(new QGroupBox("Inversion"), "Frame_inversion");
+    auto* pl = new QVBoxLayout(panel);
+    named(new QGroupBox("Move body", panel), "Frame_move_body")->hide();
+    named(new QPushButton("Perform Inversion", panel), "Command_toggle_invert_body")->hide();
+
+    auto* form = new QFormLayout;
+    field(form, "Text_max_iterations", "Max Iterations");
+    auto* type = named(new QComboBox, "Combo_invert");
+    type->addItems({"Magnetics", "Gravity"});
+    connect(type, &QComboBox::activated, this, [this] { combo_invert_selected(ws_); });
+    form->addRow("Data", type);
+    pl->addLayout(form);
+    auto* mode = named(new QCheckBox("Invert Vertical Grad"), "Check_inversion_mode");
+    connect(mode, &QCheckBox::clicked, this, [this] { check_inversion_mode_clicked(ws_); });
+    pl->addWidget(mode);
+
+    auto* invert = new QHBoxLayout;
+    for (int item = 0; item <= 1; ++item) {
+        auto* b = named(new QPushButton(item == 0 ? "Invert Current Body" : "Invert Entire Model"),
+                        QString("Command_invert_%1").arg(item));
+        b->setEnabled(false);
+        connect(b, &QPushButton::clicked, this, [this, item] { command_invert(ws_, item); });
+        invert->addWidget(b);
+    }
+    pl->addLayout(invert);
+
+    auto* misfit = new QFormLayout;
+    field(misfit, "Text_MAGINV_misfit_0", "Initial Misfit")->setReadOnly(true);
+    field(misfit, "Text_MAGINV_misfit_1", "Final Misfit")->setReadOnly(true);
+    pl->addLayout(misfit);
+
+    auto* run = new QHBoxLayout;
+    auto* iterations = named(new QLineEdit, "Text_num_iterations");
+    iterations->setReadOnly(true);
+    iterations->setToolTip("Iterations done");
+    iterations->hide();
+    run->addWidget(iterations);
+    auto* stop = named(new QPushButton("Stop Inversion"), "Command_stop_inversion");
+    connect(stop, &QPushButton::clicked, this, [this] { command_stop_inversion(ws_); });
+    stop->hide();
+    run->addWidget(stop);
+    pl->addLayout(run);
+
+    auto way_back = [this, pl](const QString& name, const QString& caption, auto handler) {
+        auto* b = named(new QPushButton(caption), name);
+        b->setEnabled(false);
+        connect(b, &QPushButton::clicked, this, handler);
+        pl->addWidget(b);
+    };
+    way_back("Command_reject_changes", "Reject Changes", [this] { command_reject_changes(ws_); });
+    way_back("Command_restore_best", "Restore Best Model", [this] { command_restore_best(ws_); });
+    auto* status = named(new QLabel, "Label_status");
+    status->hide();
+    pl->addWidget(status);
+    return panel;
 }
 
 QWidget* modelling_window::build_graphs() {
@@ -392,12 +445,7 @@ void modelling_window::pick_body(int polygon) {
     const int b = m.body(polygon).display_index;
     if (b < 1 || b == ws_.section.current_body) return;
     ws_.section.current_body = b;
-    {
-        display_guard guard(ws_);
-        set_text("Text_body_name", m.body(b).name);
-        set_text("Text_body_rock_type", m.body(b).rock_type);
-        set_text("Text_body_description", m.body(b).description);
-    }
+    show_current_body(ws_);
     display_model(ws_, 1);
 }
 
@@ -526,6 +574,11 @@ void modelling_window::select_tab(int index) {
     const QSignalBlocker block(tabs_);
     tabs_->setCurrentIndex(index);
     shown_tab_ = index;
+}
+
+int modelling_window::selected_item(const std::string& name) const {
+    auto* combo = qobject_cast<QComboBox*>(control(name));
+    return combo ? combo->currentIndex() : 0;
 }
 
 int modelling_window::current_tab() const {

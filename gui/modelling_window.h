@@ -12,6 +12,7 @@
 #include "graph_widget.h"
 #include "qt_platform.h"
 #include "workspace/modelling_workspace.h"
+#include "workspace/workspace_inversion_view.h"
 
 class QTabWidget;
 class QLabel;
@@ -46,6 +47,7 @@ public:
     void set_scroll(const std::string& control, int value, int min, int max) override;
     void set_items(const std::string& control, const std::vector<std::string>& items) override;
     void select_item(const std::string& control, int index) override;
+    int selected_item(const std::string& control) const override;
     void select_tab(int index) override;
     int current_tab() const override;
     void set_status(int panel, const std::string& text) override;
@@ -63,11 +65,13 @@ private:
     void build_menus();
     QWidget* build_tabs();
     QWidget* build_graphs();
+    QWidget* build_inversion_panel();
     void connect_field(const QString& name);
     void pointer_on_graph(int index, bool outside, double x, double y);
     void pick_body(int polygon);
 
     modelling_workspace ws_;
+    workspace_inversion_view inversion_panel_;
     std::array<graph_widget*, graph_count> graphs_{};
     graph_widget* plan_ = nullptr;
     QWidget* graph_stack_ = nullptr;

@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "inversion/inversion_session.h"
 #include "io/data_definition.h"
 #include "io/load_line.h"
 #include "io/location_reader.h"
@@ -48,14 +49,17 @@ void reset_form_display(modelling_workspace& ws) {
     ws.model.profile.num_stations = 0;
     view.set_text("Text_number_locations", "");
     ws.model.profile_ready = 0;
-    view.set_enabled("Command_invert", false);
-    view.set_text("Text_MAGINV_misfit", "");
-    view.set_text("Text_MAGINV_best_misfit", "");
+    view.set_enabled("Command_invert_0", false);
+    view.set_enabled("Command_invert_1", false);
+    view.set_text("Text_MAGINV_misfit_0", "");
+    view.set_text("Text_MAGINV_misfit_1", "");
     view.set_enabled("Command_restore_best", false);
     view.set_enabled("Command_reject_changes", false);
-    ws.best_misfit = undefined_value;
-    view.set_text("Command_invert", "Perform Inversion");
-    view.set_visible("Frame_move_body", true);
+    view.set_visible("Label_status", false);
+    forget_best_model(ws.inversion);
+    // The window has no slider frame yet: the inversion panel stays in its place and the toggle
+    // between the two stays hidden.
+    view.set_text("Command_toggle_invert_body", "Perform Inversion");
     ws.graph_view.graph_ranges_valid = 0;
 }
 
@@ -73,9 +77,13 @@ void show_loaded_model(modelling_workspace& ws) {
         load_data_format_on_form(ws);
         ws.view->set_text("Text_number_locations", format_fixed(ws.model.profile.num_stations, 0));
         show_base_levels(ws);
-        ws.view->set_enabled("Command_invert", ws.model.profile.num_stations > 0);
-        if (ws.model.num_bodies >= 1 && ws.section.current_body < 1) ws.section.current_body = 1;
+        for (const char* invert : {"Command_invert_0", "Command_invert_1"})
+            ws.view->set_enabled(invert, ws.model.profile.num_stations > 0);
+        int& current = ws.section.current_body;
+        if (current < 1 || current > ws.model.num_bodies)
+            current = ws.model.num_bodies >= 1 ? 1 : 0;
     }
+    show_current_body(ws);
 }
 }  // namespace
 

@@ -31,6 +31,7 @@ public:
     // Items of a list box or combo box, and the selected one.
     virtual void set_items(const std::string& control, const std::vector<std::string>& items) = 0;
     virtual void select_item(const std::string& control, int index) = 0;
+    virtual int selected_item(const std::string& control) const = 0;
     // The tabs of Tab_model.
     virtual void select_tab(int index) = 0;
     virtual int current_tab() const = 0;

@@ -15,6 +15,8 @@
 #include <string>
 
 #include "core/model_record.h"
+#include "inversion/inversion_state.h"
+#include "inversion/inversion_view.h"
 #include "io/coordinate_transform.h"
 #include "io/file_search.h"
 #include "response/response_state.h"
@@ -52,8 +54,12 @@ struct modelling_workspace {
     // The project form opened this window: it supplies the data definitions.
     bool opened_from_project = false;
     bool plan_shown = false;
-    bool have_best_model = false;
-    float best_misfit = undefined_value;
+
+    // The inversion kept between runs (best model, start values, residuals), the panel it talks
+    // to, and whether a run is under way (the event pump serves clicks during one).
+    inversion_state inversion;
+    inversion_view* inversion_panel = nullptr;
+    bool inversion_running = false;
 };
 
 // Holds `updating_display` set for a scope, restoring the value it found.
@@ -106,6 +112,21 @@ void load_data_format_on_form(modelling_workspace& ws);
 void model_field_changed(modelling_workspace& ws, const std::string& control);
 // Leaving or entering a tab. Returns false when the window must stay on tab 0.
 bool tab_model_changing(modelling_workspace& ws, int old_tab, int new_tab);
+
+// --- Current body and inversion panel ---------------------------------------------------------
+
+// The body an inversion of the current body works on: the one last picked, or body 1.
+int inversion_body(const modelling_workspace& ws);
+// Shows the current body's name, rock type, description and cylinder mesh in Frame_body.
+void show_current_body(modelling_workspace& ws);
+// The panel's controls. A click on an invert button, reject or restore while a run is under way
+// is ignored: they would work on the parameter table the run is using.
+void command_invert(modelling_workspace& ws, int item);
+void command_stop_inversion(modelling_workspace& ws);
+void command_reject_changes(modelling_workspace& ws);
+void command_restore_best(modelling_workspace& ws);
+void check_inversion_mode_clicked(modelling_workspace& ws);
+void combo_invert_selected(modelling_workspace& ws);
 
 // --- Display ----------------------------------------------------------------------------------
 

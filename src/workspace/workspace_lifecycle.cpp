@@ -2,6 +2,7 @@
 #include <system_error>
 
 #include "core/body_catalogue.h"
+#include "inversion/inversion_session.h"
 #include "support/number_format.h"
 #include "support/paths.h"
 #include "support/text_tokens.h"
@@ -50,8 +51,7 @@ void form_load(modelling_workspace& ws) {
     // Only these three types can be chosen for a new body, though files know others.
     view.set_items("Combo_model_type", {"Thin Sheet", "Thick Sheet", "Cylinder/Pipe"});
     clear_body_results(ws.model);
-    ws.have_best_model = false;
-    ws.best_misfit = undefined_value;
+    forget_best_model(ws.inversion);
 
     view.set_text("Text_mag_intensity", general_number(ws.model.mag_intensity));
     view.set_text("Text_mag_inclination", general_number(ws.model.mag_inclination));

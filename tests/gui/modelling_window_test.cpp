@@ -16,12 +16,13 @@
 namespace trensil {
 namespace {
 
-QApplication& application() {
+// One application for the whole test program, whichever test comes first.
+void application() {
+    if (QApplication::instance()) return;
     static int argc = 1;
     static char name[] = "test_gui";
     static char* argv[] = {name, nullptr};
     static QApplication app(argc, argv);
-    return app;
 }
 
 class window_test : public ::testing::Test {

@@ -19,6 +19,7 @@ public:
     std::map<std::string, bool> checks, enabled, shown;
     std::map<std::string, scroll_state> scrolls;
     std::map<std::string, std::vector<std::string>> items;
+    std::map<std::string, int> selected;
     std::string caption;
     int tab = 0;
     int width = 12000, height = 9000;
@@ -36,7 +37,8 @@ public:
     void set_items(const std::string& c, const std::vector<std::string>& list) override {
         items[c] = list;
     }
-    void select_item(const std::string&, int) override {}
+    void select_item(const std::string& c, int index) override { selected[c] = index; }
+    int selected_item(const std::string& c) const override { return value_of(selected, c, 0); }
     void select_tab(int index) override { tab = index; }
     int current_tab() const override { return tab; }
     void set_status(int, const std::string&) override {}

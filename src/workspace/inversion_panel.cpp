@@ -1,0 +1,90 @@
+#include "inversion/inversion_session.h"
+#include "support/number_format.h"
+#include "workspace/modelling_workspace.h"
+#include "workspace/workspace_inversion_view.h"
+
+namespace trensil {
+
+namespace {
+
+// Runs `handler` with a context over the workspace's model, engine state and inversion state.
+template <class Handler>
+void with_context(modelling_workspace& ws, Handler handler) {
+    workspace_inversion_view own_view(ws);
+    inversion_view& view = ws.inversion_panel ? *ws.inversion_panel : own_view;
+    inversion_context ctx{ws.model, ws.response, ws.inversion, ws.ui, view};
+    handler(ctx);
+}
+
+// Holds `inversion_running` set while a run lasts.
+class running_guard {
+public:
+    explicit running_guard(modelling_workspace& ws) : ws_(ws) { ws_.inversion_running = true; }
+    ~running_guard() { ws_.inversion_running = false; }
+    running_guard(const running_guard&) = delete;
+    running_guard& operator=(const running_guard&) = delete;
+
+private:
+    modelling_workspace& ws_;
+};
+
+}  // namespace
+
+int inversion_body(const modelling_workspace& ws) {
+    const int current = ws.section.current_body;
+    if (current >= 1 && current <= ws.model.num_bodies) return current;
+    return ws.model.num_bodies >= 1 ? 1 : 0;
+}
+
+void show_current_body(modelling_workspace& ws) {
+    modelling_view& view = *ws.view;
+    display_guard guard(ws);
+    const int current = ws.section.current_body;
+    if (current < 1 || current > ws.model.num_bodies) {
+        for (const char* name : {"Text_body_name", "Text_body_rock_type", "Text_body_description",
+                                 "Text_Shell_Thickness", "Text_End_Thickness", "Text_num_sectors",
+                                 "Text_num_segments", "Text_max_triangle_size"})
+            view.set_text(name, "");
+        return;
+    }
+    const body_record& b = ws.model.body(current);
+    view.set_text("Text_body_name", b.name);
+    view.set_text("Text_body_rock_type", b.rock_type);
+    view.set_text("Text_body_description", b.description);
+    view.set_text("Text_Shell_Thickness", general_number(b.shell_thickness));
+    view.set_text("Text_End_Thickness", general_number(b.end_thickness));
+    view.set_text("Text_num_sectors", format_fixed(b.num_sectors, 0));
+    view.set_text("Text_num_segments", format_fixed(b.num_segments, 0));
+    view.set_text("Text_max_triangle_size", general_number(b.max_triangle_size));
+}
+
+void command_invert(modelling_workspace& ws, int item) {
+    if (ws.inversion_running) return;
+    running_guard running(ws);
+    with_context(ws,
+                 [&](inversion_context& ctx) { on_invert_click(ctx, item, inversion_body(ws)); });
+}
+
+void command_stop_inversion(modelling_workspace& ws) {
+    with_context(ws, [](inversion_context& ctx) { on_stop_inversion(ctx); });
+}
+
+void command_reject_changes(modelling_workspace& ws) {
+    if (ws.inversion_running) return;
+    with_context(ws, [](inversion_context& ctx) { on_reject_changes(ctx); });
+}
+
+void command_restore_best(modelling_workspace& ws) {
+    if (ws.inversion_running) return;
+    with_context(ws, [](inversion_context& ctx) { on_restore_best(ctx); });
+}
+
+void check_inversion_mode_clicked(modelling_workspace& ws) {
+    with_context(ws, [](inversion_context& ctx) { on_inversion_mode_click(ctx); });
+}
+
+void combo_invert_selected(modelling_workspace& ws) {
+    with_context(ws, [](inversion_context& ctx) { keep_possible_data_type(ctx); });
+}
+
+}  // namespace trensil

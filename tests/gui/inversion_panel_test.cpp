@@ -1,0 +1,123 @@
+// The inversion panel offscreen, on the synthetic line whose data were computed from its own
+// model: a body moved off its place is inverted back, and the two ways back work.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QStandardPaths>
+#include <filesystem>
+
+#include "modelling_window.h"
+#include "support/memory_settings_store.h"
+#include "support/number_format.h"
+#include "support/scripted_platform.h"
+#include "test_paths.h"
+
+namespace trensil {
+namespace {
+
+// One application for the whole test program, whichever test comes first.
+void application() {
+    if (QApplication::instance()) return;
+    static int argc = 1;
+    static char name[] = "test_gui";
+    static char* argv[] = {name, nullptr};
+    static QApplication app(argc, argv);
+}
+
+// Runs in a scratch directory holding a copy of the synthetic line: "Restore Best Model" writes
+// latest.qvx into the current directory.
+class inversion_panel_test : public ::testing::Test {
+protected:
+    void SetUp() override {
+        application();
+        QStandardPaths::setTestModeEnabled(true);
+        folder_ = std::filesystem::temp_directory_path() /
+                  ("trensil_inv_" + std::to_string(::getpid()) + "_" +
+                   ::testing::UnitTest::GetInstance()->current_test_info()->name());
+        std::filesystem::create_directories(folder_);
+        const std::filesystem::path examples =
+            std::filesystem::path(TRENSIL_SOURCE_DIR) / "examples" / "synthetic";
+        for (const char* file : {"synthetic_truth.qvx", "synthetic_line.csv"})
+            std::filesystem::copy_file(examples / file, folder_ / file);
+        old_ = std::filesystem::current_path();
+        std::filesystem::current_path(folder_);
+    }
+    void TearDown() override {
+        std::filesystem::current_path(old_);
+        std::filesystem::remove_all(folder_);
+    }
+
+    template <class T>
+    T* child(modelling_window& window, const char* name) {
+        T* found = window.findChild<T*>(name);
+        EXPECT_NE(found, nullptr) << name;
+        return found;
+    }
+    double misfit(modelling_window& window, int item) {
+        return std::stod(window.text("Text_MAGINV_misfit_" + std::to_string(item)));
+    }
+
+    std::filesystem::path folder_, old_;
+    scripted_platform ui_;
+    memory_settings_store settings_;
+};
+
+TEST_F(inversion_panel_test, whole_model_run_lowers_misfit_and_both_ways_back_work) {
+    modelling_window window(ui_, settings_);
+    window.show();
+    modelling_workspace& ws = window.workspace();
+    ASSERT_EQ(open_model_file(ws, (folder_ / "synthetic_truth.qvx").string()), 0);
+    ASSERT_GE(ws.model.num_bodies, 1);
+
+    // Body 1 moved 300 m along the line: the data no longer fit.
+    const float moved = ws.model.body(1).distance.value + 300.0f;
+    ws.model.body(1).distance.value = moved;
+    clear_body_results(ws.model);
+    display_model(ws, 1);
+
+    window.set_text("Text_max_iterations", "4");
+    child<QPushButton>(window, "Command_invert_1")->click();
+    EXPECT_LT(misfit(window, 1), misfit(window, 0));
+    EXPECT_NE(ws.model.body(1).distance.value, moved);
+    EXPECT_EQ(window.text("Label_status"), "Inversion succeeded");
+    EXPECT_TRUE(window.visible("Label_status"));
+    EXPECT_FALSE(window.visible("Command_stop_inversion"));
+    EXPECT_FALSE(window.visible("Text_num_iterations"));
+    EXPECT_EQ(window.text("Text_max_iterations"), "4");
+
+    auto* reject = child<QPushButton>(window, "Command_reject_changes");
+    ASSERT_TRUE(reject->isEnabled());
+    reject->click();
+    EXPECT_EQ(ws.model.body(1).distance.value, moved);
+    EXPECT_FALSE(reject->isEnabled());
+    EXPECT_EQ(window.text("Text_MAGINV_misfit_0"), "");
+
+    // A second run from the moved body, then back to its best: the model as it stood is kept
+    // in latest.qvx, and the final box shows the "no computed misfit" mark -99999 / N.
+    child<QPushButton>(window, "Command_invert_1")->click();
+    auto* restore = child<QPushButton>(window, "Command_restore_best");
+    ASSERT_TRUE(restore->isEnabled());
+    restore->click();
+    EXPECT_TRUE(std::filesystem::exists(folder_ / "latest.qvx"));
+    EXPECT_EQ(window.text("Text_MAGINV_misfit_1"),
+              format_fixed(-99999.0 / ws.model.profile.num_stations, 4));
+    EXPECT_FALSE(restore->isEnabled());
+    EXPECT_TRUE(ui_.messages.empty());
+}
+
+TEST_F(inversion_panel_test, controls_without_behaviour_are_hidden_and_body_fields_show_body_one) {
+    modelling_window window(ui_, settings_);
+    window.show();
+    ASSERT_EQ(open_model_file(window.workspace(), (folder_ / "synthetic_truth.qvx").string()), 0);
+    for (const char* name : {"Frame_move_body", "Command_toggle_invert_body", "Combo_model_type"})
+        EXPECT_FALSE(window.visible(name)) << name;
+    EXPECT_TRUE(window.visible("Command_invert_0"));
+    EXPECT_EQ(window.text("Text_body_name"), window.workspace().model.body(1).name);
+}
+
+}  // namespace
+}  // namespace trensil
