@@ -50,6 +50,22 @@ std::string export_all(const trensil::clsRegistryAccess& reg, const std::filesys
     return all;
 }
 
+// Line ends made by dropping double quotes ("\r\"\n" becomes a line end inside one value).
+// A value holding a line end cannot be carried by the text format, so such input is only
+// imported, not compared after a round trip.
+bool quotes_hide_a_line_end(const std::uint8_t* data, std::size_t size) {
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    std::string unquoted;
+    for (char c : text)
+        if (c != '"') unquoted += c;
+    auto line_ends = [](const std::string& t) {
+        std::size_t n = 0;
+        for (std::size_t i = 0; i + 1 < t.size(); ++i) n += t[i] == '\r' && t[i + 1] == '\n';
+        return n;
+    };
+    return line_ends(unquoted) != line_ends(text);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -66,6 +82,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     {
         trensil::clsRegistryAccess reg((dir / "first_store.reg").string());
         if (!reg.ImportFromReg(input.string())) return 0;
+        if (quotes_hide_a_line_end(data, size)) return 0;
         first_export = export_all(reg, dir / "first_export.reg");
     }
     trensil::clsRegistryAccess fresh((dir / "second_store.reg").string());

@@ -1,7 +1,11 @@
 // Runs a fuzz target without libFuzzer: every file of the corpus folders given is fed to
 // LLVMFuzzerTestOneInput, then, for --seconds N (default 0), random mutations of them (bytes
 // flipped, inserted, deleted, spliced) with a fixed seed, so a run is repeatable.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <chrono>
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -16,6 +20,26 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace {
+
+// The input being run, written to "fuzz-failure.bin" in the current directory when the target
+// aborts or faults, so a failure found by mutation can be replayed.
+const std::vector<std::uint8_t>* current_input = nullptr;
+
+extern "C" void save_failing_input(int signal_number) {
+    if (current_input) {
+        const int fd = ::open("fuzz-failure.bin", O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        if (fd >= 0) {
+            const ssize_t written = ::write(fd, current_input->data(), current_input->size());
+            (void)written;
+            ::close(fd);
+        }
+        const char note[] = "fuzz: failing input written to fuzz-failure.bin\n";
+        const ssize_t shown = ::write(2, note, sizeof note - 1);
+        (void)shown;
+    }
+    std::signal(signal_number, SIG_DFL);
+    std::raise(signal_number);
+}
 
 std::vector<std::uint8_t> read_file(const std::filesystem::path& p) {
     std::ifstream in(p, std::ios::binary);
@@ -77,7 +101,12 @@ int main(int argc, char** argv) {
         }
     }
     if (corpus.empty()) corpus.emplace_back();
-    for (const auto& input : corpus) LLVMFuzzerTestOneInput(input.data(), input.size());
+    std::signal(SIGABRT, save_failing_input);
+    std::signal(SIGSEGV, save_failing_input);
+    for (const auto& input : corpus) {
+        current_input = &input;
+        LLVMFuzzerTestOneInput(input.data(), input.size());
+    }
     std::mt19937 rng(12345);
     long runs = 0;
     const auto stop = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
@@ -85,6 +114,7 @@ int main(int argc, char** argv) {
         auto input = corpus[rng() % corpus.size()];
         const int steps = 1 + static_cast<int>(rng() % 8);
         for (int s = 0; s < steps; ++s) mutate(input, rng, corpus);
+        current_input = &input;
         LLVMFuzzerTestOneInput(input.data(), input.size());
         ++runs;
     }
