@@ -17,11 +17,6 @@
 namespace {
 
 void redraw_five_graphs(benchmark::State& state) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
-    static int argc = 1;
-    static char name[] = "bench_redraw";
-    static char* argv[] = {name, nullptr};
-    static QApplication app(argc, argv);
     trensil::scripted_platform ui;
     trensil::memory_settings_store settings;
     trensil::modelling_window window(ui, settings);
@@ -50,4 +45,14 @@ BENCHMARK(redraw_five_graphs)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
-BENCHMARK_MAIN();
+// The application lives in main, so that it is gone before the program's static objects are.
+int main(int argc, char** argv) {
+    setenv("QT_QPA_PLATFORM", "offscreen", 0);
+    int app_argc = 1;
+    QApplication app(app_argc, argv);
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
