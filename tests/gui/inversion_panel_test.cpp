@@ -10,6 +10,7 @@
 #include <QStandardPaths>
 #include <filesystem>
 
+#include "gui_application.h"
 #include "modelling_window.h"
 #include "support/memory_settings_store.h"
 #include "support/number_format.h"
@@ -18,15 +19,6 @@
 
 namespace trensil {
 namespace {
-
-// One application for the whole test program, whichever test comes first.
-void application() {
-    if (QApplication::instance()) return;
-    static int argc = 1;
-    static char name[] = "test_gui";
-    static char* argv[] = {name, nullptr};
-    static QApplication app(argc, argv);
-}
 
 // Runs in a scratch directory holding a copy of the synthetic line: "Restore Best Model" writes
 // latest.qvx into the current directory.

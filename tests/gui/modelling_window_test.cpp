@@ -9,21 +9,13 @@
 #include <filesystem>
 
 #include "../workspace/workspace_files.h"
+#include "gui_application.h"
 #include "modelling_window.h"
 #include "support/memory_settings_store.h"
 #include "support/scripted_platform.h"
 
 namespace trensil {
 namespace {
-
-// One application for the whole test program, whichever test comes first.
-void application() {
-    if (QApplication::instance()) return;
-    static int argc = 1;
-    static char name[] = "test_gui";
-    static char* argv[] = {name, nullptr};
-    static QApplication app(argc, argv);
-}
 
 class window_test : public ::testing::Test {
 protected:
