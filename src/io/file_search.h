@@ -25,8 +25,8 @@ struct file_search_state {
 
 // Tries the candidates in order and puts the first that exists into `path`, returning 0. When
 // none exists, asks the user through the open dialog "Could not find <label> please specify its
-// location"; a cancel then asks "Cancel reading rest of specification file?" (Yes: returns -1 with
-// `path` unchanged; No: `path` "" and 0). `owner` is the path of the file that names `path`.
+// location"; a cancel then asks whether to cancel reading the rest of the file (Yes: returns -1
+// with `path` unchanged; No: `path` "" and 0). `owner` is the path of the file that names `path`.
 // The current directory is the same on return as on entry.
 int search_for_file(const std::string& label, std::string& path, const std::string& owner,
                     file_search_state& state, platform& ui);

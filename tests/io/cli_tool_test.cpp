@@ -43,9 +43,7 @@ struct cli_run {
 struct cli_tool : ::testing::Test {
     scratch_folder dir{"cli"};
 
-    void SetUp() override {
-        if (!file_exists(cli_path)) GTEST_SKIP() << "trensil-cli is not built";
-    }
+    void SetUp() override { ASSERT_TRUE(file_exists(cli_path)) << "trensil-cli is not built"; }
     cli_run run(const std::string& arguments) {
         const std::string command = "'" + cli_path + "' " + arguments + " >'" + dir.file("out") +
                                     "' 2>'" + dir.file("err") + "'";
