@@ -3,7 +3,7 @@
 // by --force), and file dialogs return the file the command was given, if any.
 //
 //   console_platform ui(force);
-//   ui.fixed_answers["Overwrite existing file?"] = true;
+//   ui.fixed_answers["That file already, exists, overwrite?"] = true;
 //   ...
 //   if (failed) std::cerr << "trensil-cli: " << ui.last_message() << "\n";
 #pragma once

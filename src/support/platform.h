@@ -4,7 +4,7 @@
 // console, and the tests with canned answers (scripted_platform.h).
 //
 //   ui.show_message("The sample interval must be positive");
-//   if (ui.ask_yes_no("Overwrite existing file?", "Save")) ...
+//   if (ui.ask_yes_no("That file already, exists, overwrite?", "Save")) ...
 //
 // It sits in support so that every layer, the response engine included, reports through it.
 #pragma once
