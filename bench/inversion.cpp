@@ -46,8 +46,6 @@ void build_model(model_record& model, response_state& response, bool gravity) {
     model.basegrav = 0.0f;
     profile_block& p = model.profile;
     p.allocate_stations(stations);
-    p.profile_distance.resize(1, stations);
-    p.residuals.resize(1, stations);
     for (int i = 1; i <= stations; ++i) {
         p.profile_distance(i) = 5.0f * static_cast<float>(i - 1);
         p.location(easting_row, i) = 5.0 * (i - 1);

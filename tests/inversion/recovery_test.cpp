@@ -35,8 +35,6 @@ struct synthetic_line {
         model.basegrav = 0.0f;
         profile_block& p = model.profile;
         p.allocate_stations(n);
-        p.profile_distance.resize(1, n);
-        p.residuals.resize(1, n);
         for (int i = 1; i <= n; ++i) {
             p.profile_distance(i) = 10.0f * static_cast<float>(i - 1);
             p.location(easting_row, i) = 10.0 * (i - 1);
