@@ -161,14 +161,12 @@ int enter_line(project_definition& p, int number, const std::string& model_path,
                const std::string& picture_path) {
     const int n = p.num_lines;
     if (p.line_numbers.lo() != 0) p.allocate_lines(n);  // a project never read or made
-    if (p.line_numbers.hi() < n + 1) {
-        const int hi = n + 1 + project_spare_lines;
-        p.line_numbers.resize_keep(hi);
-        p.model_paths.resize_keep(hi);
-        p.picture_paths.resize_keep(hi);
-        p.models.resize_keep(hi);
-        p.profiles.resize_keep(hi);
-    }
+    const int hi = n + 1 + project_spare_lines;
+    p.line_numbers.resize_keep(hi);
+    p.model_paths.resize_keep(hi);
+    p.picture_paths.resize_keep(hi);
+    p.models.resize_keep(hi);
+    p.profiles.resize_keep(hi);
     int place = n + 1;
     while (place > 1 && p.line_numbers(place - 1) > number) --place;
     for (int i = n; i >= place; --i) {

@@ -23,10 +23,9 @@ struct grid_format {
     double tolerance;  // the text formats keep three decimals
 };
 const grid_format formats[] = {
-    {"map_mag_1km.tif", 0.0},        {"map_mag_1km.ers", 0.0},
-    {"map_mag_1km_surfer6.grd", 0.0}, {"map_mag_1km_surfer7.grd", 0.0},
-    {"map_mag_1km.asc", 0.0005},     {"map_mag_1km.nc", 0.0},
-    {"map_mag_1km_gmt.grd", 0.0},    {"map_mag_1km.xyz", 0.0005},
+    {"map_mag_1km.tif", 0.0},         {"map_mag_1km.ers", 0.0},    {"map_mag_1km_surfer6.grd", 0.0},
+    {"map_mag_1km_surfer7.grd", 0.0}, {"map_mag_1km.asc", 0.0005}, {"map_mag_1km.nc", 0.0},
+    {"map_mag_1km_gmt.grd", 0.0},     {"map_mag_1km.xyz", 0.0005},
 };
 
 // Cell centres run 346,455 .. 475,455 E and 1,173,785 .. 1,247,785 N.
@@ -137,8 +136,8 @@ TEST(gdal_grid, bilinear_between_centres_and_never_from_a_cell_without_value) {
     EXPECT_GT(defined, 8000);
 
     // Outside the outer edges there is nothing; inside the outer half cell the edge cell holds.
-    const double outside[][2] = {{345954.0, 1200000.0}, {475956.0, 1200000.0},
-                                 {400000.0, 1173284.0}, {400000.0, 1248286.0}};
+    const double outside[][2] = {
+        {345954.0, 1200000.0}, {475956.0, 1200000.0}, {400000.0, 1173284.0}, {400000.0, 1248286.0}};
     for (const auto& p : outside) EXPECT_EQ(sample_grid_point(*grid, p[0], p[1]), grid_undefined);
     EXPECT_NEAR(sample_grid_point(*grid, 346000.0, 1248200.0), cell(0, rows - 1), 1e-9);
 }
