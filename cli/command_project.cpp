@@ -67,6 +67,16 @@ bool whole_option(const cli_arguments& parsed, const std::string& name, int& val
     return true;
 }
 
+// The project's proposed number for a new line, or one step past the highest line when that is
+// taken (a project read back proposes its first number again while a line holds it).
+int unused_line_number(const project_definition& project) {
+    int number = project.next_line_number;
+    for (int i = 1; i <= project.num_lines; ++i)
+        if (project.line_numbers(i) >= number)
+            number = project.line_numbers(i) + project.line_number_step;
+    return number;
+}
+
 int run_new(const std::vector<std::string>& args) {
     cli_arguments parsed;
     std::string error;
@@ -108,7 +118,12 @@ int run_add(const std::vector<std::string>& args) {
     if (!read_project_file(path, project, error)) return failure(error);
     error = check_input_file(model, "model file");
     if (!error.empty()) return failure(error);
+    // The proposed number, or past the highest line when that is already taken (a project read
+    // back proposes its first number again while a line holds it).
     int number = project.next_line_number;
+    for (int i = 1; i <= project.num_lines; ++i)
+        if (project.line_numbers(i) >= number)
+            number = project.line_numbers(i) + project.line_number_step;
     if (!whole_option(parsed, "--number", number) || number < 0)
         return usage_failure("The line number must be positive");
     const std::string stored = project_relative_path(path, model);
@@ -135,7 +150,7 @@ int run_list(const std::vector<std::string>& args) {
                       << "\n";
     }
     std::cout << project.num_lines << (project.num_lines == 1 ? " line" : " lines")
-              << ", next number " << project.next_line_number << "\n";
+              << ", next number " << unused_line_number(project) << "\n";
     for (int i = 1; i <= project.num_lines; ++i) {
         const std::string model = resolve_line_path(path, project.model_paths(i));
         std::cout << project.line_numbers(i) << "  " << project.model_paths(i)
