@@ -8,6 +8,7 @@
 #include "project/project_workspace.h"
 #include "support/number_format.h"
 #include "support/paths.h"
+#include "workspace/nice_range.h"
 
 namespace trensil {
 
@@ -74,10 +75,25 @@ void draw_profile(project_workspace& ws, const line_profile& lp) {
         }
     }
     graph->title = mag ? "Magnetics (nT)" : "Elevation (m)";
-    graph->xaxismin = 0.0f;
-    graph->xaxismax = std::max(lp.distance(lp.count), 1.0f);
-    graph->yaxismin = undefined_value;
-    graph->yaxismax = undefined_value;
+    // Axes rounded as the modelling window rounds its graphs.
+    float lo = 1e32f, hi = -1e32f;
+    for (const auto& series : plot.y)
+        for (double v : series)
+            if (!std::isnan(v))
+                lo = std::min(lo, static_cast<float>(v)), hi = std::max(hi, static_cast<float>(v));
+    if (!(hi > lo)) {
+        lo = hi > -1e31f ? hi - 1.0f : 0.0f;
+        hi = lo + 2.0f;
+    }
+    float step = 1.0f, x0 = 0.0f, x1 = std::max(lp.distance(lp.count), 1.0f), y0 = lo, y1 = hi;
+    nice_range(0.0f, x1, 8, step, x0, x1);
+    graph->xaxismin = x0;
+    graph->xaxismax = x1;
+    graph->x_tick_step = step;
+    nice_range(lo, hi, 6, step, y0, y1);
+    graph->yaxismin = y0;
+    graph->yaxismax = y1;
+    graph->y_tick_step = step;
     graph->load_data(plot);
     graph->redraw();
 }
