@@ -136,8 +136,8 @@ int load_project_line(project_workspace& ws, int index) {
 
 void select_line(project_workspace& ws, int row) {
     if (ws.updating_display || !line_exists(ws, row) || row == ws.current_line) return;
-    const bool modeller_open = static_cast<bool>(ws.modeller_has_changes);
-    if (modeller_open && ws.modeller_has_changes() &&
+    const bool modeller_open = ws.modeller_is_open && ws.modeller_is_open();
+    if (modeller_open && ws.modeller_has_changes && ws.modeller_has_changes() &&
         !ws.ui.ask_yes_no("Discard the changes to the current model?")) {
         display_qvx_list(ws);  // the selection goes back to the current line
         return;
@@ -147,6 +147,28 @@ void select_line(project_workspace& ws, int row) {
     build_body_list(ws);
     display_QVX_line(ws);
     if (ws.open_modeller && modeller_open) ws.open_modeller(current_line_model(ws));
+}
+
+int command_add_line_model(project_workspace& ws) {
+    const auto chosen = ws.ui.choose_open_file(
+        "Select the profile model file",
+        "Inversion definition Files(*.qvx)|*.qvx|All files (*.*)|*.*", ws.project_file);
+    if (!chosen) return -1;
+    if (!file_exists(*chosen)) {
+        ws.ui.show_message("That file does not exist");
+        return -1;
+    }
+    int number = 0;
+    if (!ask_line_number(ws, number)) return -1;
+    const std::string stored = project_relative_path(ws.project_file, *chosen);
+    const int place = enter_line(ws.project, number, stored, drop_extension(stored) + ".bmp");
+    load_project_line(ws, place);
+    ws.current_line = place;
+    write_current_project(ws);
+    display_qvx_list(ws);
+    build_body_list(ws);
+    display_QVX_line(ws);
+    return 0;
 }
 
 void command_delete_line(project_workspace& ws) {
@@ -207,6 +229,11 @@ void display_QVX_line(project_workspace& ws) {
     static const line_profile none;
     draw_profile(ws,
                  line_exists(ws, ws.current_line) ? ws.project.profiles(ws.current_line) : none);
+}
+
+void graph_profile_pointer(project_workspace& ws, double distance, double value) {
+    ws.view->set_status("Distance: " + format_fixed(distance, 2) +
+                        "  Value: " + format_fixed(value, 4));
 }
 
 void update_current_QVX_line(project_workspace& ws) {
