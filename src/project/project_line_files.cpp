@@ -45,7 +45,7 @@ int save_line(project_workspace& ws, int index) {
     digitising_state& d = ws.digitising;
     model_record& scratch = ws.scratch;
     try {
-        // 1. Is there a line to save?
+        // Is there a line to save?
         if (digitised) {
             setup_and_display_grid_profile(ws);
             if (d.num_samples < 16) {
@@ -70,7 +70,7 @@ int save_line(project_workspace& ws, int index) {
             }
         }
 
-        // 3, 4, 5. Where the csv goes.
+        // Where the csv goes.
         int number = 0;
         const std::string csv_path = csv_destination(ws, index, number);
         if (csv_path.empty()) return -1;
@@ -78,7 +78,7 @@ int save_line(project_workspace& ws, int index) {
             !ws.ui.ask_yes_no("The csv file already already, exists, overwrite?"))
             return -1;
 
-        // 6, 7, 8. The stations, what the grids or the data give there, the csv.
+        // The stations, what the grids or the data give there, the csv.
         line_station_values values;
         if (digitised) {
             gather_line_values(d.sample_x, d.sample_y, d.num_samples, sampling, nullptr, values);
@@ -97,7 +97,7 @@ int save_line(project_workspace& ws, int index) {
             return 0;
         }
 
-        // 10. The model that reads the csv: the header alone. A digitised line keeps the
+        // The model that reads the csv: the header alone. A digitised line keeps the
         // elevations typed for it as the model's topography and sensor offset, which the
         // response uses where the csv has no ground or sensor column.
         const std::string stem = drop_extension(csv_path);
@@ -115,7 +115,7 @@ int save_line(project_workspace& ws, int index) {
         scratch.sensor_offset = kept_offset;
         if (!written) return -1;
 
-        // 11, 12. The line in the project, in number order, and the project on disk.
+        // The line in the project, in number order, and the project on disk.
         const int place =
             enter_line(ws.project, number, project_relative_path(ws.project_file, model_path),
                        project_relative_path(ws.project_file, stem + ".bmp"));
