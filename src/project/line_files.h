@@ -66,8 +66,9 @@ bool write_line_csv(const std::string& path, const line_station_values& values, 
 void set_line_columns(data_definition& definition, const line_station_values& values);
 
 // Writes the header-only model of a line into `path`: `scratch` (the project's data definition
-// and Earth's field) with the line's csv as its data file and the line's columns. The scratch
-// record's own data file and columns are as they were afterwards. False (shown) on failure.
+// and Earth's field) with the line's csv as its data file, the line's columns and no coordinate
+// transform (the csv's stations are in the map's frame already). The scratch record's own data
+// file, columns and transform are as they were afterwards. False (shown) on failure.
 bool write_line_model(const std::string& path, const std::string& csv_path,
                       const line_station_values& values, model_record& scratch, platform& ui);
 
