@@ -20,6 +20,8 @@
 #include "exports/bitmap_file.h"
 #include "io/profile_data_export.h"
 #include "support/number_format.h"
+#include "transform_dialog.h"
+#include "workspace/transform_definition.h"
 
 namespace trensil {
 
@@ -102,7 +104,7 @@ void modelling_window::build_menus() {
         menu_open_model(ws_, 0);
     })->setShortcut(QKeySequence::Open);
     add(file, "menu_open_model_1", "Save Data Format and Model Definitions", [this] {
-        menu_open_model(ws_, 1);
+        save_model_file();
     })->setShortcut(QKeySequence::Save);
     file->addSeparator();
     add(file, "menu_open_model_3", "Read Model Defintions", [this] { menu_open_model(ws_, 3); });
@@ -173,6 +175,10 @@ QWidget* modelling_window::build_tabs() {
     field(df, "Text_MAGINV_gravpos", "Gravity column");
     field(df, "Text_MAGINV_station_spacing", "Station spacing");
     field(df, "Text_number_locations", "Stations")->setReadOnly(true);
+    auto* transform =
+        named(new QPushButton("Define Coordinate Transform"), "Command_define_transform");
+    connect(transform, &QPushButton::clicked, this, [this] { define_coordinate_transform(); });
+    df->addRow(transform);
     dl->addWidget(data_box);
     auto* field_box = named(new QGroupBox("Earth's field and heights"), "Frame_earth_field");
     auto* ff = new QFormLayout(field_box);
@@ -408,7 +414,7 @@ QWidget* modelling_window::build_graphs() {
     button("Command_show_section_or_plan", "Show Plan View",
            [this] { command_show_section_or_plan(ws_); });
     button("Command_Save_Screenshot", "Screenshot", [this] { save_screenshot(); });
-    button("Command_save_qvx_model", "Save the Model", [this] { menu_open_model(ws_, 1); });
+    button("Command_save_qvx_model", "Save the Model", [this] { save_model_file(); });
     al->addLayout(controls);
     return area;
 }
@@ -447,6 +453,16 @@ void modelling_window::pick_body(int polygon) {
     ws_.section.current_body = b;
     show_current_body(ws_);
     display_model(ws_, 1);
+}
+
+void modelling_window::save_model_file() {
+    if (menu_open_model(ws_, 1) == 0) emit model_saved();
+}
+
+void modelling_window::define_coordinate_transform() {
+    begin_define_transform(ws_);
+    define_transform(ws_.transforms, ws_.ui, this);
+    end_define_transform(ws_);
 }
 
 QImage modelling_window::capture_graphs() {

@@ -56,6 +56,10 @@ public:
     int form_width() const override { return QMainWindow::width(); }
     int form_height() const override { return QMainWindow::height(); }
 
+signals:
+    // The model was saved to its file (the project window takes a project line's save back).
+    void model_saved();
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -69,6 +73,8 @@ private:
     void connect_field(const QString& name);
     void pointer_on_graph(int index, bool outside, double x, double y);
     void pick_body(int polygon);
+    void save_model_file();
+    void define_coordinate_transform();
 
     modelling_workspace ws_;
     workspace_inversion_view inversion_panel_;
