@@ -148,10 +148,8 @@ void modelling_window::build_menus() {
     highlight->setCheckable(true);
 }
 
-void modelling_window::connect_field(const QString& name) {
-    auto* edit = findChild<QLineEdit*>(name);
-    if (!edit) return;
-    const std::string control = name.toStdString();
+void modelling_window::connect_field(QLineEdit* edit) {
+    const std::string control = edit->objectName().toStdString();
     connect(edit, &QLineEdit::textEdited, this,
             [this, control] { model_field_changed(ws_, control); });
 }
@@ -234,7 +232,7 @@ QWidget* modelling_window::build_tabs() {
     xl->addStretch();
     tabs_->addTab(display, "Display");
 
-    for (QLineEdit* edit : tabs_->findChildren<QLineEdit*>()) connect_field(edit->objectName());
+    for (QLineEdit* edit : tabs_->findChildren<QLineEdit*>()) connect_field(edit);
     connect(tabs_, &QTabWidget::currentChanged, this, [this](int index) {
         const int old = shown_tab_;
         shown_tab_ = index;
@@ -391,7 +389,7 @@ QWidget* modelling_window::build_graphs() {
     bl->addWidget(named(new QLineEdit, "Text_MAGINV_basegrav"));
     static_cast<QVBoxLayout*>(base->layout())->addLayout(bl);
     al->addWidget(base);
-    for (const char* name : {"Text_MAGINV_basemag", "Text_MAGINV_basegrav"}) connect_field(name);
+    for (QLineEdit* edit : base->findChildren<QLineEdit*>()) connect_field(edit);
 
     auto* controls = new QHBoxLayout;
     auto* pan = named(new QScrollBar(Qt::Horizontal), "HScroll_pan");

@@ -16,6 +16,7 @@
 
 class QTabWidget;
 class QLabel;
+class QLineEdit;
 
 namespace trensil {
 
@@ -70,7 +71,8 @@ private:
     QWidget* build_tabs();
     QWidget* build_graphs();
     QWidget* build_inversion_panel();
-    void connect_field(const QString& name);
+    // The edit's changes go to model_field_changed under its name.
+    void connect_field(QLineEdit* edit);
     void pointer_on_graph(int index, bool outside, double x, double y);
     void pick_body(int polygon);
     void save_model_file();
