@@ -11,6 +11,7 @@
 #include "gui_application.h"
 #include "modelling_window.h"
 #include "program_modules.h"
+#include "qt_platform.h"
 #include "support/memory_settings_store.h"
 #include "support/scripted_platform.h"
 #include "transform_dialog.h"
@@ -136,6 +137,22 @@ TEST(program_modules, list_names_the_linked_versions) {
     EXPECT_EQ(table->rowCount(), static_cast<int>(modules.size()));
     const std::string text = program_modules_text(modules);
     EXPECT_NE(text.find("GDAL\t" + version_of("GDAL").toStdString()), std::string::npos);
+}
+
+// The file dialogs list only files whose names match the patterns Qt finds in the label's
+// parentheses, blank-separated: the program's "(*.dat;*.csv)" labels listed nothing.
+TEST(file_dialog_filter, patterns_are_rebuilt_blank_separated) {
+    const struct {
+        const char* program;
+        const char* qt;
+    } cases[] = {
+        {"Data Files (*.dat;*.xyz;*.csv;*.txt)|*.dat;*.xyz;*.csv;*.txt|All files (*.*)|*.*",
+         "Data Files (*.dat *.xyz *.csv *.txt);;All files (*.*)"},
+        {"Trensil definition Files(*.qvx)|*.qvx", "Trensil definition Files (*.qvx)"},
+        {"Profile data file (*csv)|*.csv", "Profile data file (*.csv)"},
+        {"Grid files|*.tif;*.grd", "Grid files (*.tif *.grd)"},
+    };
+    for (const auto& c : cases) EXPECT_EQ(qt_platform::qt_filter(c.program).toStdString(), c.qt);
 }
 
 }  // namespace
