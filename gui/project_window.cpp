@@ -62,8 +62,11 @@ project_window::project_window(platform& ui, settings_store& settings, QWidget* 
     ll->setContentsMargins(4, 4, 4, 4);
     ll->addWidget(build_line_list());
     ll->addWidget(build_points_frame());
-    ll->addWidget(build_data_file_frame());
-    ll->addWidget(build_digitising_frame());
+    // A new line comes from a data file or from the grids: one tab each.
+    auto* new_line = named(new QTabWidget, "Tab_new_line");
+    new_line->addTab(build_data_file_frame(), "New line from a data file");
+    new_line->addTab(build_digitising_frame(), "New line on the grids");
+    ll->addWidget(new_line);
     ll->addWidget(build_output_frame());
     ll->addStretch();
     auto* scroll = new QScrollArea;
@@ -190,7 +193,7 @@ QWidget* project_window::build_line_list() {
 }
 
 QWidget* project_window::build_data_file_frame() {
-    auto* box = frame("Frame_line_defs", "New line from a data file");
+    auto* box = named(new QWidget, "Frame_line_defs");
     auto* layout = new QVBoxLayout(box);
     auto* file_row = new QHBoxLayout;
     auto* path = named(new QLineEdit, "Text_data_locations");
@@ -254,7 +257,7 @@ QWidget* project_window::build_data_file_frame() {
 }
 
 QWidget* project_window::build_digitising_frame() {
-    auto* box = frame("Frame_grid_sampling_definitions", "New line on the grids");
+    auto* box = named(new QWidget, "Frame_grid_sampling_definitions");
     auto* layout = new QVBoxLayout(box);
     auto* form = new QFormLayout;
     auto* interval = named(new QLineEdit, "Text_sample_interval");
@@ -278,7 +281,7 @@ QWidget* project_window::build_digitising_frame() {
     connect(done, &QPushButton::clicked, this, [this] { command_done_new_line(ws_); });
     commands->addWidget(done);
     layout->addLayout(commands);
-
+    layout->addStretch();
     return box;
 }
 
