@@ -210,7 +210,8 @@ std::string resolve_line_path(const std::string& project_path, const std::string
     namespace fs = std::filesystem;
     std::error_code ec;
     if (stored.empty() || fs::path(stored).is_absolute()) return stored;
-    const std::string beside = directory_part(project_path) + stored;
+    const std::string beside =
+        fs::path(directory_part(project_path) + stored).lexically_normal().string();
     if (!directory_part(project_path).empty() && fs::exists(beside, ec)) return beside;
     return stored;
 }
@@ -219,12 +220,19 @@ std::string project_relative_path(const std::string& project_path, const std::st
     namespace fs = std::filesystem;
     std::error_code ec;
     const fs::path file = fs::absolute(path, ec).lexically_normal();
-    if (ec) return path;
-    const fs::path folder =
-        fs::absolute(fs::path(project_path).parent_path(), ec).lexically_normal();
+    if (ec || path.empty()) return path;
+    if (project_path.empty()) return file.string();
+    fs::path folder = fs::path(project_path).parent_path();
+    if (folder.empty()) folder = ".";
+    folder = fs::absolute(folder, ec).lexically_normal();
     if (ec) return file.string();
     const fs::path relative = file.lexically_relative(folder);
-    if (relative.empty() || *relative.begin() == "..") return file.string();
+    // Within the project's folder, or beside it in its parent's: kept relative, so that a survey
+    // folder moved as a whole keeps its lines. Anything farther stays absolute.
+    int ups = 0;
+    for (const fs::path& part : relative) ups += part == "..";
+    if (relative.empty() || ups > 1 || (ups == 1 && *relative.begin() != ".."))
+        return file.string();
     return relative.string();
 }
 

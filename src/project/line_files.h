@@ -87,7 +87,7 @@ void remove_line(project_definition& project, int index);
 // project file's folder when a file is there; otherwise the path as it stands.
 std::string resolve_line_path(const std::string& project_path, const std::string& stored);
 // The path to store for a file of the project: relative to the project file's folder when the
-// file lies in it or below, else as given (made absolute).
+// file lies in it or below it, or in a folder beside it ("../tempest/line.qvx"); else absolute.
 std::string project_relative_path(const std::string& project_path, const std::string& path);
 
 }  // namespace trensil

@@ -171,6 +171,9 @@ TEST(project_lines, paths_kept_relative_to_the_project_folder) {
     testing::write_all(dir.file("Line_10.qvx"), "x");
     EXPECT_EQ(project_relative_path(project, dir.file("lines/Line_20.qvx")), "lines/Line_20.qvx");
     EXPECT_EQ(project_relative_path(project, "/survey/other.qvx"), "/survey/other.qvx");
+    EXPECT_EQ(project_relative_path("area.qvj", "lines/Line_10.qvx"), "lines/Line_10.qvx");
+    const std::string beside = dir.path().parent_path().string() + "/tempest/line.qvx";
+    EXPECT_EQ(project_relative_path(project, beside), "../tempest/line.qvx");
     EXPECT_EQ(resolve_line_path(project, "Line_10.qvx"), dir.file("Line_10.qvx"));
     EXPECT_EQ(resolve_line_path(project, "missing.qvx"), "missing.qvx");
     EXPECT_EQ(resolve_line_path(project, "/abs/a.qvx"), "/abs/a.qvx");
