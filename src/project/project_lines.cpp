@@ -8,6 +8,7 @@
 #include "project/project_workspace.h"
 #include "support/number_format.h"
 #include "support/paths.h"
+#include "workspace/nice_range.h"
 
 namespace trensil {
 
@@ -74,10 +75,27 @@ void draw_profile(project_workspace& ws, const line_profile& lp) {
         }
     }
     graph->title = mag ? "Magnetics (nT)" : "Elevation (m)";
+    // Axes rounded to ticks that the graph labels: distance from 0, the values' own span.
+    float step = 1.0f, lo = 0.0f, hi = std::max(lp.distance(lp.count), 1.0f);
+    nice_range(0.0f, hi, 8, step, lo, hi);
     graph->xaxismin = 0.0f;
-    graph->xaxismax = std::max(lp.distance(lp.count), 1.0f);
+    graph->xaxismax = hi;
+    graph->x_tick_step = step;
+    double least = 1e300, most = -1e300;
+    for (const auto& series : plot.y)
+        for (double v : series)
+            if (!std::isnan(v)) least = std::min(least, v), most = std::max(most, v);
     graph->yaxismin = undefined_value;
     graph->yaxismax = undefined_value;
+    graph->y_tick_step = 0.0f;
+    if (least < most) {
+        lo = static_cast<float>(least);
+        hi = static_cast<float>(most);
+        nice_range(lo, hi, 5, step, lo, hi);
+        graph->yaxismin = lo;
+        graph->yaxismax = hi;
+        graph->y_tick_step = step;
+    }
     graph->load_data(plot);
     graph->redraw();
 }
