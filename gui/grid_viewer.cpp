@@ -201,15 +201,22 @@ void grid_viewer::paint_lines(QPainter& p) const {
         p.drawPath(path);
         p.fillPath(path, Qt::black);
     };
-    for (const line_overlay& line : lines_) {
-        if (line.points.empty()) continue;
+    // The current line last, so that it stays on top of any line it crosses.
+    std::vector<const line_overlay*> order;
+    for (const line_overlay& line : lines_)
+        if (!line.points.empty() && line.number != selected_line_) order.push_back(&line);
+    for (const line_overlay& line : lines_)
+        if (!line.points.empty() && line.number == selected_line_) order.push_back(&line);
+    for (const line_overlay* l : order) {
+        const line_overlay& line = *l;
         const bool selected = line.number == selected_line_;
         const QPolygonF poly = polyline(line.points);
         p.setPen(QPen(QColor(255, 255, 255, 180), selected ? 6 : 4));
         p.drawPolyline(poly);
         p.setPen(QPen(selected ? QColor(0, 0, 0) : QColor(70, 70, 70), selected ? 3 : 1.5));
         p.drawPolyline(poly);
-        halo_text(poly.front() + QPointF(4, -4), QString::number(line.number));
+        // The current line's number above its start, the others' below, apart where they meet.
+        halo_text(poly.front() + QPointF(4, selected ? -6 : 16), QString::number(line.number));
     }
     if (!stations_.empty() && stations_.size() <= 4096) {
         p.setPen(Qt::NoPen);

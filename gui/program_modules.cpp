@@ -53,7 +53,8 @@ std::vector<program_module> program_modules() {
     std::vector<program_module> modules = {
         {"Trensil", TRENSIL_VERSION, QApplication::applicationFilePath().toStdString()},
         {"Qt", qVersion(), "built with " + built_with_qt},
-        {"GDAL", gdal_version_text(), "grid files"},
+        {"GDAL", gdal_version_text(),
+         "reads the grid files (GeoTIFF, ER Mapper, Surfer, ESRI ASCII, netCDF)"},
         {"Compiler", compiler_version(), "C++ " + std::to_string(__cplusplus)},
         {"C++ library", standard_library(), ""},
         {"Operating system", QSysInfo::prettyProductName().toStdString(),
@@ -118,9 +119,11 @@ modules_dialog::modules_dialog(QWidget* parent) : QDialog(parent) {
         table->setItem(r, 1, new QTableWidgetItem(q(m.version)));
         table->setItem(r, 2, new QTableWidgetItem(q(m.detail)));
     }
+    const int row_height = table->fontMetrics().height() + 6;
+    table->verticalHeader()->setDefaultSectionSize(row_height);
     table->resizeColumnsToContents();
     table->horizontalHeader()->setStretchLastSection(true);
-    table->setMinimumSize(640, 320);
+    table->setMinimumSize(760, row_height * (table->rowCount() + 1) + 8);
     layout->addWidget(table);
     auto* buttons = new QHBoxLayout;
     auto* copy = new QPushButton("Copy");

@@ -239,6 +239,7 @@ QWidget* project_window::build_data_file_frame() {
     auto* preview = named(new QTableWidget, "Grid_database");
     preview->setEditTriggers(QAbstractItemView::NoEditTriggers);
     preview->verticalHeader()->hide();
+    preview->verticalHeader()->setDefaultSectionSize(preview->fontMetrics().height() + 4);
     preview->setMinimumHeight(150);
     preview->setToolTip("The first lines of the data file, split into columns");
     layout->addWidget(preview);
