@@ -91,21 +91,10 @@ int run_new_line(const std::vector<std::string>& args) {
     model.data_file = data;  // as given: the user chooses an absolute or a relative path
     model.xpos = model.ypos = model.magpos = 0;
     const std::string heading = first_line(data);
-    std::string first = heading;
-    const bool has_names = !is_numeric_text(take_word(first));
-    std::vector<std::string> names;
-    if (has_names) {
-        names = decode_names_line(heading);
-        const column_roles roles = guess_columns(names);
-        model.nhead = 2;
-        model.names_line = 1;
-        model.xpos = roles.xpos;
-        model.ypos = roles.ypos;
-        model.zpos = roles.zpos;
-        model.dtm = roles.dtm;
-        model.magpos = roles.magpos;
-        model.gravpos = roles.gravpos;
-    } else {
+    const bool has_names = columns_from_names_line(heading, model);
+    const std::vector<std::string> names =
+        has_names ? decode_names_line(heading) : std::vector<std::string>{};
+    if (!has_names) {
         model.nhead = 1;
         model.names_line = 0;
     }

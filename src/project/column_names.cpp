@@ -109,4 +109,19 @@ column_roles guess_columns(const std::vector<std::string>& names) {
     return roles;
 }
 
+bool columns_from_names_line(const std::string& first_line, data_definition& d) {
+    std::string first = first_line;
+    if (trim_text(first).empty() || is_numeric_text(take_word(first))) return false;
+    const column_roles roles = guess_columns(decode_names_line(first_line));
+    d.nhead = 2;
+    d.names_line = 1;
+    d.xpos = roles.xpos;
+    d.ypos = roles.ypos;
+    d.zpos = roles.zpos;
+    d.dtm = roles.dtm;
+    d.magpos = roles.magpos;
+    d.gravpos = roles.gravpos;
+    return true;
+}
+
 }  // namespace trensil

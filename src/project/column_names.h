@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "core/model_record.h"
+
 namespace trensil {
 
 // The entries of a names line: leading "/", "#", ";" and "," dropped, then one entry a word
@@ -34,5 +36,10 @@ struct column_roles {
 // "grav", "gravity", "bouguer", "free air", "gz". Words are split at "_", "-", ".", blanks, so
 // "easting_albers_m" is an easting and "radar_altimeter_m" is nothing.
 column_roles guess_columns(const std::vector<std::string>& names);
+
+// When `first_line` of a data file is a names line (its first word is not a number): the data
+// start on line 2, the names are on line 1, and each column is the one guess_columns finds (0
+// where none is found); returns true. Otherwise returns false and leaves `definition` alone.
+bool columns_from_names_line(const std::string& first_line, data_definition& definition);
 
 }  // namespace trensil

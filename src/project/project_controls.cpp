@@ -1,6 +1,7 @@
 #include "project/project_controls.h"
 
 #include "support/number_format.h"
+#include "support/text_tokens.h"
 
 namespace trensil {
 
@@ -124,6 +125,27 @@ line_sampling ticked_sampling(project_workspace& ws) {
     s.surface_elevation = ws.digitising.surface_elevation;
     s.sensor_offset = ws.digitising.sensor_offset;
     return s;
+}
+
+bool ask_line_number(project_workspace& ws, int& number) {
+    const auto answer = ws.ui.input_box("Enter the new line number", "QVX File Line Number",
+                                        format_fixed(ws.project.next_line_number, 0));
+    if (!answer || trim_text(*answer).empty()) return false;
+    if (!is_numeric_text(*answer)) {
+        ws.ui.show_message("The specified line number is not valid");
+        return false;
+    }
+    const double value = parse_number(*answer);
+    if (value < 0.0) {
+        ws.ui.show_message("The line number must be positive");
+        return false;
+    }
+    if (value > 2147483647.0) {
+        ws.ui.show_message("The specified line number is not valid");
+        return false;
+    }
+    number = static_cast<int>(value + 0.5);
+    return true;
 }
 
 }  // namespace trensil

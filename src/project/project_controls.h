@@ -28,6 +28,10 @@ void show_viewer_lines(project_workspace& ws);
 // Draws a profile digest in Graph_profile by distance along the line: the magnetics when it has
 // them, else its ground and sensor elevations.
 void draw_profile(project_workspace& ws, const line_profile& profile);
+// Asks for a new line's number ("Enter the new line number", proposing the next one); false
+// when cancelled or refused ("The specified line number is not valid", "The line number must be
+// positive").
+bool ask_line_number(project_workspace& ws, int& number);
 // The grids that feed a new line: those ticked in Check_sample_grid and open.
 line_sampling ticked_sampling(project_workspace& ws);
 

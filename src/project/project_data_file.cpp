@@ -24,10 +24,6 @@ std::string upper(std::string text) {
     return text;
 }
 
-bool starts_with_number(std::string line) {
-    return is_numeric_text(take_word(line));
-}
-
 // The scratch record's stations are no longer those of its data file.
 void forget_locations(project_workspace& ws) {
     ws.locations_loaded = false;
@@ -60,20 +56,10 @@ int command_add_new_file(project_workspace& ws) {
         ws.scratch.data_file = path;
         if (load_names(ws, path) != 0) return -1;
         // The columns a names line makes plain are chosen for the user, who can change them.
-        if (ws.num_header_lines >= 1 && !starts_with_number(ws.header_lines(1))) {
-            const column_roles roles = guess_columns(decode_names_line(ws.header_lines(1)));
-            if (roles.xpos >= 1 && roles.ypos >= 1 && (roles.magpos >= 1 || roles.gravpos >= 1)) {
-                model_record& m = ws.scratch;
-                m.nhead = 2;
-                m.names_line = 1;
-                m.xpos = roles.xpos;
-                m.ypos = roles.ypos;
-                m.zpos = roles.zpos;
-                m.dtm = roles.dtm;
-                m.magpos = roles.magpos;
-                m.gravpos = roles.gravpos;
-            }
-        }
+        data_definition named = ws.scratch;
+        if (ws.num_header_lines >= 1 && columns_from_names_line(ws.header_lines(1), named) &&
+            named.xpos >= 1 && named.ypos >= 1 && (named.magpos >= 1 || named.gravpos >= 1))
+            static_cast<data_definition&>(ws.scratch) = named;
         show_column_positions(ws);
     }
     decode_names(ws);

@@ -65,7 +65,6 @@ void project_form_load(project_workspace& ws) {
         view.set_items("Combo_names", {"N/A"});
         view.select_item("Combo_names", 0);
         show_column_positions(ws);
-        view.set_text("Text_locations_name_line", "0");
         view.set_text("Text_surface_elevation", general_number(ws.digitising.surface_elevation));
         view.set_text("Text_sensor_offset", general_number(ws.digitising.sensor_offset));
         view.set_text("Text_num_digitised_points", "0");

@@ -17,28 +17,6 @@ namespace {
 constexpr const char* csv_filter = "Profile data file (*csv)|*.csv|All files (*.*)|*.*";
 const char* const tab_names[grid_tab_count] = {"magnetic", "DTM", "sensor"};
 
-// The line number typed into the input box; false (after the reason, if any) when refused.
-bool ask_line_number(project_workspace& ws, int& number) {
-    const auto answer = ws.ui.input_box("Enter the new line number", "QVX File Line Number",
-                                        format_fixed(ws.project.next_line_number, 0));
-    if (!answer || trim_text(*answer).empty()) return false;
-    if (!is_numeric_text(*answer)) {
-        ws.ui.show_message("The specified line number is not valid");
-        return false;
-    }
-    const double value = parse_number(*answer);
-    if (value < 0.0) {
-        ws.ui.show_message("The line number must be positive");
-        return false;
-    }
-    if (value > 2147483647.0) {
-        ws.ui.show_message("The specified line number is not valid");
-        return false;
-    }
-    number = static_cast<int>(value + 0.5);
-    return true;
-}
-
 // Where the csv goes, or "" when the user stopped. Index 1: beside the project file as
 // "Line_<number>.csv" (a project without a file is saved first); index 0: a file the user picks.
 std::string csv_destination(project_workspace& ws, int index, int& number) {

@@ -76,27 +76,25 @@ void draw_profile(project_workspace& ws, const line_profile& lp) {
         }
     }
     graph->title = mag ? "Magnetics (nT)" : "Elevation (m)";
-    // Axes rounded to ticks that the graph labels: distance from 0, the values' own span.
-    float step = 1.0f, lo = 0.0f, hi = std::max(lp.distance(lp.count), 1.0f);
-    nice_range(0.0f, hi, 8, step, lo, hi);
-    graph->xaxismin = 0.0f;
-    graph->xaxismax = hi;
-    graph->x_tick_step = step;
-    double least = 1e300, most = -1e300;
+    // Axes rounded as the modelling window rounds its graphs.
+    float lo = 1e32f, hi = -1e32f;
     for (const auto& series : plot.y)
         for (double v : series)
-            if (!std::isnan(v)) least = std::min(least, v), most = std::max(most, v);
-    graph->yaxismin = undefined_value;
-    graph->yaxismax = undefined_value;
-    graph->y_tick_step = 0.0f;
-    if (least < most) {
-        lo = static_cast<float>(least);
-        hi = static_cast<float>(most);
-        nice_range(lo, hi, 5, step, lo, hi);
-        graph->yaxismin = lo;
-        graph->yaxismax = hi;
-        graph->y_tick_step = step;
+            if (!std::isnan(v))
+                lo = std::min(lo, static_cast<float>(v)), hi = std::max(hi, static_cast<float>(v));
+    if (!(hi > lo)) {
+        lo = hi > -1e31f ? hi - 1.0f : 0.0f;
+        hi = lo + 2.0f;
     }
+    float step = 1.0f, x0 = 0.0f, x1 = std::max(lp.distance(lp.count), 1.0f), y0 = lo, y1 = hi;
+    nice_range(0.0f, x1, 8, step, x0, x1);
+    graph->xaxismin = x0;
+    graph->xaxismax = x1;
+    graph->x_tick_step = step;
+    nice_range(lo, hi, 6, step, y0, y1);
+    graph->yaxismin = y0;
+    graph->yaxismax = y1;
+    graph->y_tick_step = step;
     graph->load_data(plot);
     graph->redraw();
 }
@@ -142,8 +140,8 @@ int load_project_line(project_workspace& ws, int index) {
 
 void select_line(project_workspace& ws, int row) {
     if (ws.updating_display || !line_exists(ws, row) || row == ws.current_line) return;
-    const bool modeller_open = static_cast<bool>(ws.modeller_has_changes);
-    if (modeller_open && ws.modeller_has_changes() &&
+    const bool modeller_open = ws.modeller_is_open && ws.modeller_is_open();
+    if (modeller_open && ws.modeller_has_changes && ws.modeller_has_changes() &&
         !ws.ui.ask_yes_no("Discard the changes to the current model?")) {
         display_qvx_list(ws);  // the selection goes back to the current line
         return;
@@ -153,6 +151,28 @@ void select_line(project_workspace& ws, int row) {
     build_body_list(ws);
     display_QVX_line(ws);
     if (ws.open_modeller && modeller_open) ws.open_modeller(current_line_model(ws));
+}
+
+int command_add_line_model(project_workspace& ws) {
+    const auto chosen = ws.ui.choose_open_file(
+        "Select the profile model file",
+        "Inversion definition Files(*.qvx)|*.qvx|All files (*.*)|*.*", ws.project_file);
+    if (!chosen) return -1;
+    if (!file_exists(*chosen)) {
+        ws.ui.show_message("That file does not exist");
+        return -1;
+    }
+    int number = 0;
+    if (!ask_line_number(ws, number)) return -1;
+    const std::string stored = project_relative_path(ws.project_file, *chosen);
+    const int place = enter_line(ws.project, number, stored, drop_extension(stored) + ".bmp");
+    load_project_line(ws, place);
+    ws.current_line = place;
+    write_current_project(ws);
+    display_qvx_list(ws);
+    build_body_list(ws);
+    display_QVX_line(ws);
+    return 0;
 }
 
 void command_delete_line(project_workspace& ws) {
@@ -213,6 +233,11 @@ void display_QVX_line(project_workspace& ws) {
     static const line_profile none;
     draw_profile(ws,
                  line_exists(ws, ws.current_line) ? ws.project.profiles(ws.current_line) : none);
+}
+
+void graph_profile_pointer(project_workspace& ws, double distance, double value) {
+    ws.view->set_status("Distance: " + format_fixed(distance, 2) +
+                        "  Value: " + format_fixed(value, 4));
 }
 
 void update_current_QVX_line(project_workspace& ws) {

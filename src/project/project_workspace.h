@@ -53,8 +53,10 @@ struct project_workspace {
 
     // The modelling window, as far as the project needs it. open_modeller shows the modelling
     // window on a model file (opened from the project) and returns 0, or -1 when it could not;
-    // modeller_has_changes tells whether an open modelling window holds unsaved changes.
+    // modeller_is_open tells whether it is on the screen, modeller_has_changes whether it holds
+    // unsaved changes. Unset hooks count as a closed window without changes.
     std::function<int(const std::string& model_path)> open_modeller;
+    std::function<bool()> modeller_is_open;
     std::function<bool()> modeller_has_changes;
 
     project_definition project;  // the lines: numbers, model and picture paths, models, profiles
@@ -135,6 +137,10 @@ int load_project_line(project_workspace& ws, int index);
 // changes in the modelling window asks "Discard the changes to the current model?" (No keeps the
 // old line), makes the line current, shows it, and shows it in an open modelling window.
 void select_line(project_workspace& ws, int row);
+// Adds a line for a model file that exists: asks for it ("Select the profile model file"), and
+// for its number as a new line's ("QVX File Line Number"), enters it in number order, loads it
+// and writes the project. Returns 0, or -1 when cancelled or refused (shown).
+int command_add_line_model(project_workspace& ws);
 // Asks "Delete the line <number>" ("Confirm Deletion") and removes the current line; the
 // project file is written when there is one.
 void command_delete_line(project_workspace& ws);
@@ -148,6 +154,9 @@ std::string current_line_model(const project_workspace& ws);
 void build_body_list(project_workspace& ws);
 // Draws the current line's profile in Graph_profile.
 void display_QVX_line(project_workspace& ws);
+// The pointer over Graph_profile at (distance, value): shown in StatusBar_coords, "0.00" and
+// "0.0000".
+void graph_profile_pointer(project_workspace& ws, double distance, double value);
 // After the modelling window saved the current line: reads it again and shows it.
 void update_current_QVX_line(project_workspace& ws);
 
