@@ -25,7 +25,6 @@
 #include "grid/gdal_grid.h"
 #include "program_modules.h"
 #include "project/project_transform.h"
-#include "support/number_format.h"
 #include "transform_dialog.h"
 
 namespace trensil {
@@ -54,6 +53,7 @@ project_window::project_window(platform& ui, settings_store& settings, QWidget* 
     setWindowTitle("Trensil Project");
     ws_.view = this;
     ws_.open_modeller = [this](const std::string& path) { return open_modeller(path); };
+    ws_.modeller_is_open = [this] { return modeller_ && modeller_->isVisible(); };
     ws_.modeller_has_changes = [this] { return modeller_ && modeller_->workspace().model_changed; };
 
     build_menus();
@@ -87,10 +87,11 @@ project_window::project_window(platform& ui, settings_store& settings, QWidget* 
     right->setStretchFactor(0, 3);
     right->setStretchFactor(1, 1);
     ws_.profile_graph = profile_;
-    // Position on the profile: distance in "0.00", value in "0.0000".
     connect(profile_, &graph_widget::pointer_moved, this, [this](bool outside, double x, double y) {
-        set_status(outside ? ""
-                           : "Distance " + format_fixed(x, 2) + "   Value " + format_fixed(y, 4));
+        if (outside)
+            set_status("");
+        else
+            graph_profile_pointer(ws_, x, y);
     });
 
     auto* split = named(new QSplitter(Qt::Horizontal), "Splitter_main");
@@ -170,25 +171,28 @@ QWidget* project_window::build_line_list() {
     combo->setMinimumWidth(90);
     connect(combo, &QComboBox::activated, this, [this](int index) { select_line(ws_, index + 1); });
     row->addWidget(combo);
-    auto button = [this, row](const QString& name, const QString& caption, const QString& tip,
-                              auto handler) {
+    auto* second = new QHBoxLayout;
+    auto button = [this](QHBoxLayout* to, const QString& name, const QString& caption,
+                         const QString& tip, auto handler) {
         auto* b = named(new QPushButton(caption), name);
         b->setToolTip(tip);
         connect(b, &QPushButton::clicked, this, handler);
-        row->addWidget(b);
+        to->addWidget(b);
     };
-    button("Command_open_trensil", "Open Trensil", "Model the current line in the modelling window",
-           [this] { command_open_trensil(ws_); });
-    button("Command_zoom_to_line", "Zoom to Line", "Show the current line on the grids",
+    button(row, "Command_open_trensil", "Open Trensil",
+           "Model the current line in the modelling window", [this] { command_open_trensil(ws_); });
+    button(row, "Command_zoom_to_line", "Zoom to Line", "Show the current line on the grids",
            [this] { command_zoom_to_line(ws_); });
-    button("Command_delete_line", "Delete Line", "Remove the current line from the project",
-           [this] { command_delete_line(ws_); });
     layout->addLayout(row);
-    auto* bodies = new QFormLayout;
+    second->addWidget(new QLabel("Bodies"));
     auto* body_list = named(new QComboBox, "Combo_body_list");
     body_list->setToolTip("The bodies of the current line's model");
-    bodies->addRow("Bodies", body_list);
-    layout->addLayout(bodies);
+    second->addWidget(body_list, 1);
+    button(second, "Command_add_line_model", "Add Line...",
+           "Add a line for a model file that exists", [this] { command_add_line_model(ws_); });
+    button(second, "Command_delete_line", "Delete Line", "Remove the current line from the project",
+           [this] { command_delete_line(ws_); });
+    layout->addLayout(second);
     return box;
 }
 
