@@ -11,12 +11,6 @@
 
 namespace trensil {
 
-namespace {
-QString q(const std::string& s) {
-    return QString::fromStdString(s);
-}
-}  // namespace
-
 void set_control_text(QObject* c, const std::string& text) {
     const QSignalBlocker block(c);
     if (auto* e = qobject_cast<QLineEdit*>(c))

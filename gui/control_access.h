@@ -7,10 +7,23 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 #include <string>
 #include <vector>
 
 namespace trensil {
+
+// The program's text as Qt's.
+inline QString q(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+// A new control with its name, as the window builders make them.
+template <class T>
+T* named(T* object, const QString& name) {
+    object->setObjectName(name);
+    return object;
+}
 
 void set_control_text(QObject* control, const std::string& text);
 std::string control_text(const QObject* control);

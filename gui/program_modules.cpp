@@ -14,16 +14,13 @@
 #include <QVBoxLayout>
 #include <QtGlobal>
 
+#include "control_access.h"
 #include "grid/gdal_grid.h"
 #include "program_version.h"
 
 namespace trensil {
 
 namespace {
-QString q(const std::string& s) {
-    return QString::fromStdString(s);
-}
-
 std::string compiler_version() {
 #if defined(__clang__)
     return "Clang " __clang_version__;

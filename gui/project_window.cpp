@@ -30,16 +30,6 @@
 namespace trensil {
 
 namespace {
-QString q(const std::string& s) {
-    return QString::fromStdString(s);
-}
-
-template <class T>
-T* named(T* object, const QString& name) {
-    object->setObjectName(name);
-    return object;
-}
-
 QGroupBox* frame(const QString& name, const QString& title) {
     return named(new QGroupBox(title), name);
 }

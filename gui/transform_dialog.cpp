@@ -8,17 +8,12 @@
 #include <QVBoxLayout>
 #include <array>
 
+#include "control_access.h"
 #include "io/transform_points.h"
 #include "support/number_format.h"
 #include "support/text_tokens.h"
 
 namespace trensil {
-
-namespace {
-QString q(const std::string& s) {
-    return QString::fromStdString(s);
-}
-}  // namespace
 
 transform_dialog::transform_dialog(transform_state& transforms, platform& ui, QWidget* parent)
     : QDialog(parent), transforms_(transforms), ui_(ui) {

@@ -7,6 +7,7 @@
 #include <QRegularExpression>
 #include <QTableWidget>
 
+#include "../support/scratch_dir.h"
 #include "../workspace/workspace_files.h"
 #include "gui_application.h"
 #include "modelling_window.h"
@@ -88,8 +89,8 @@ TEST(transform_dialog, bad_field_is_named_and_cancel_leaves_the_record) {
 // dialog changes nothing.
 TEST(transform_dialog, modelling_window_reads_its_data_through_an_accepted_transform) {
     application();
-    const auto folder = std::filesystem::temp_directory_path() / "trensil_gui_transform";
-    const std::string model = testing_files::write_example_model(folder);
+    const testing::scratch_dir folder("gui_transform");
+    const std::string model = testing_files::write_example_model(folder.path());
     scripted_platform ui;
     memory_settings_store settings;
     {
@@ -115,7 +116,6 @@ TEST(transform_dialog, modelling_window_reads_its_data_through_an_accepted_trans
         ASSERT_TRUE(tab_model_changing(ws, 0, 1));
         EXPECT_DOUBLE_EQ(ws.model.profile.location(easting_row, 1), east + 1000.0);
     }
-    std::filesystem::remove_all(folder);
 }
 
 TEST(program_modules, list_names_the_linked_versions) {

@@ -2,7 +2,6 @@
 // from the example data file through the column preview, a line digitised on the magnetic grid,
 // the line files, the line opened in the modelling window and its save coming back to the list.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <QAction>
 #include <QComboBox>
@@ -14,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "../support/scratch_dir.h"
 #include "gui_application.h"
 #include "io/project_file.h"
 #include "project_window.h"
@@ -33,17 +33,7 @@ protected:
     void SetUp() override {
         application();
         QStandardPaths::setTestModeEnabled(true);
-        folder_ = std::filesystem::temp_directory_path() /
-                  ("trensil_project_" + std::to_string(::getpid()) + "_" +
-                   ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::create_directories(folder_);
-        old_ = std::filesystem::current_path();
     }
-    void TearDown() override {
-        std::filesystem::current_path(old_);
-        std::filesystem::remove_all(folder_);
-    }
-
     template <class T>
     static T* child(QWidget& window, const char* name) {
         T* found = window.findChild<T*>(name);
@@ -75,7 +65,9 @@ protected:
         return lines;
     }
 
-    std::filesystem::path folder_, old_;
+    testing::scratch_dir scratch_{std::string("project_window_") +
+                                  ::testing::UnitTest::GetInstance()->current_test_info()->name()};
+    const std::filesystem::path folder_ = scratch_.path();
     scripted_platform ui_;
     memory_settings_store settings_;
 };
