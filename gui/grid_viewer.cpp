@@ -65,14 +65,18 @@ void grid_viewer::set_grid(const grid_source* grid) {
 
 QRectF grid_viewer::full_extent() const {
     if (has_grid()) return grid_box_;
-    QRectF box;
-    auto take = [&box](const std::vector<QPointF>& points) {
-        for (const QPointF& p : points)
-            box = box.isNull() ? QRectF(p, QSizeF(0, 0)) : box.united(QRectF(p, QSizeF(0, 0)));
+    // QRectF's union ignores empty rectangles, so the points' bounds are taken by hand.
+    double x0 = 1e300, y0 = 1e300, x1 = -1e300, y1 = -1e300;
+    auto take = [&](const std::vector<QPointF>& points) {
+        for (const QPointF& p : points) {
+            x0 = std::min(x0, p.x()), x1 = std::max(x1, p.x());
+            y0 = std::min(y0, p.y()), y1 = std::max(y1, p.y());
+        }
     };
     for (const line_overlay& l : lines_) take(l.points);
     take(digitised_);
-    return box;
+    if (x0 > x1) return {};
+    return QRectF(QPointF(x0, y0), QPointF(x1, y1));
 }
 
 void grid_viewer::set_project_lines(std::vector<line_overlay> lines, int selected) {

@@ -148,6 +148,13 @@ TEST(grid_viewer, wheel_zooms_about_the_pointer_drag_pans_and_a_click_is_reporte
     EXPECT_DOUBLE_EQ(click.at(3).toDouble(), w.x());
     EXPECT_DOUBLE_EQ(click.at(4).toDouble(), w.y());
 
+    // Without a grid the lines set the extent: every point of every line counts.
+    grid_viewer bare;
+    bare.resize(400, 300);
+    bare.set_project_lines({{1000, {{5000, 100}, {9000, 400}}}, {1010, {{4000, 900}}}}, 1000);
+    EXPECT_EQ(bare.full_extent(), QRectF(QPointF(4000, 100), QPointF(9000, 900)));
+    EXPECT_TRUE(bare.view_box().contains(bare.full_extent()));
+
     // Zoom to a line: the box is shown whole, centred.
     viewer.zoom_to_box(QRectF(QPointF(1100, 2100), QPointF(1300, 2150)));
     EXPECT_TRUE(viewer.view_box().contains(QRectF(QPointF(1100, 2100), QPointF(1300, 2150))));
