@@ -15,6 +15,7 @@
 #include "inversion/parameter_vector.h"
 #include "io/model_file_writer.h"
 #include "io/profile_data_export.h"
+#include "response/channel_setup.h"
 #include "response/response_driver.h"
 #include "support/number_format.h"
 #include "support/paths.h"
@@ -190,7 +191,7 @@ int run_invert(const std::vector<std::string>& args) {
     response_state response;
     response.ui = &ui;
     response.inversion_fits_gradient = parsed.has("--gradient") ? 1 : 0;
-    calculate_display_channels(model, response);
+    calculate_model_channels(model, response);
 
     inversion_state state;
     console_view view(model, response);

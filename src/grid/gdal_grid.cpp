@@ -41,6 +41,7 @@ struct gdal_api {
     decltype(&GDALGetRasterNoDataValue) no_data_value = nullptr;
     decltype(&GDALRasterIO) raster_io = nullptr;
     decltype(&GDALVersionInfo) version_info = nullptr;
+    decltype(&GDALGetMetadata) metadata = nullptr;
     std::string failure;  // why GDAL could not be loaded; "" when it was
 };
 
@@ -84,6 +85,7 @@ const gdal_api& gdal() {
         bind(library, "GDALGetRasterNoDataValue", api.no_data_value, f);
         bind(library, "GDALRasterIO", api.raster_io, f);
         bind(library, "GDALVersionInfo", api.version_info, f);
+        bind(library, "GDALGetMetadata", api.metadata, f);
         if (f.empty()) api.all_register();
     });
     return api;
@@ -179,6 +181,22 @@ std::unique_ptr<grid_source> open_gdal_grid(const std::string& path, std::string
         if (!dataset) {
             error = capture.reason("the file is not a grid that can be read");
             return nullptr;
+        }
+        // A file of several variables (a netCDF file, say) offers them as sub-datasets: the
+        // first is the grid.
+        if (api.raster_count(dataset.get()) < 1) {
+            const std::string key = "SUBDATASET_1_NAME=";
+            char** list = api.metadata(dataset.get(), "SUBDATASETS");
+            for (; list && *list; ++list) {
+                const std::string item = *list;
+                if (item.rfind(key, 0) != 0) continue;
+                dataset.reset(api.open(item.substr(key.size()).c_str(), GA_ReadOnly));
+                break;
+            }
+            if (!dataset) {
+                error = capture.reason("the file's first variable cannot be read");
+                return nullptr;
+            }
         }
         GDALDatasetH ds = dataset.get();
         if (api.raster_count(ds) < 1) {

@@ -78,38 +78,35 @@ int open_tab_grid(project_workspace& ws, int tab, const std::string& path) {
     return 0;
 }
 
+namespace {
+viewer_line polyline(viewer_line::kind role, const array1<double>& x, const array1<double>& y,
+                     int count) {
+    viewer_line line;
+    line.role = role;
+    for (int k = 1; k <= count; ++k) {
+        line.x.push_back(x(k));
+        line.y.push_back(y(k));
+    }
+    return line;
+}
+}  // namespace
+
 void show_viewer_lines(project_workspace& ws) {
     std::vector<viewer_line> lines;
     const project_definition& p = ws.project;
     for (int i = 1; i <= p.num_lines; ++i) {
         const line_profile& lp = p.profiles(i);
         if (lp.count < 1) continue;
-        viewer_line line;
-        line.role = i == ws.current_line ? viewer_line::kind::current_line
-                                         : viewer_line::kind::project_line;
-        line.label = format_fixed(p.line_numbers(i), 0);
-        for (int k = 1; k <= lp.count; ++k) {
-            line.x.push_back(lp.x(k));
-            line.y.push_back(lp.y(k));
-        }
-        lines.push_back(std::move(line));
+        lines.push_back(polyline(i == ws.current_line ? viewer_line::kind::current_line
+                                                      : viewer_line::kind::project_line,
+                                 lp.x, lp.y, lp.count));
+        lines.back().label = format_fixed(p.line_numbers(i), 0);
     }
     const digitising_state& d = ws.digitising;
     if (d.active && d.num_digitised_points > 0) {
-        viewer_line baseline;
-        baseline.role = viewer_line::kind::digitised;
-        for (int k = 1; k <= d.num_digitised_points; ++k) {
-            baseline.x.push_back(d.x(k));
-            baseline.y.push_back(d.y(k));
-        }
-        lines.push_back(std::move(baseline));
-        viewer_line stations;
-        stations.role = viewer_line::kind::stations;
-        for (int k = 1; k <= d.num_samples; ++k) {
-            stations.x.push_back(d.sample_x(k));
-            stations.y.push_back(d.sample_y(k));
-        }
-        lines.push_back(std::move(stations));
+        lines.push_back(polyline(viewer_line::kind::digitised, d.x, d.y, d.num_digitised_points));
+        lines.push_back(
+            polyline(viewer_line::kind::stations, d.sample_x, d.sample_y, d.num_samples));
     }
     ws.view->set_viewer_lines(lines);
 }

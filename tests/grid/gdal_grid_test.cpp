@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -140,6 +141,25 @@ TEST(gdal_grid, bilinear_between_centres_and_never_from_a_cell_without_value) {
         {345954.0, 1200000.0}, {475956.0, 1200000.0}, {400000.0, 1173284.0}, {400000.0, 1248286.0}};
     for (const auto& p : outside) EXPECT_EQ(sample_grid_point(*grid, p[0], p[1]), grid_undefined);
     EXPECT_NEAR(sample_grid_point(*grid, 346000.0, 1248200.0), cell(0, rows - 1), 1e-9);
+}
+
+// A netCDF file of two variables (here made by GDAL's own tools from the GeoTIFF) offers them as
+// sub-datasets: the first is read.
+TEST(gdal_grid, netcdf_of_several_variables_reads_the_first) {
+    trensil::testing::scratch_dir dir("gdal_grid_variables");
+    const std::string tif = grid_dir + "map_mag_1km.tif";
+    const std::string command = "cd '" + dir.path().string() + "' && gdalbuildvrt -q -separate " +
+                                "two.vrt '" + tif + "' '" + tif +
+                                "' && gdal_translate -q -of netCDF two.vrt two.nc";
+    ASSERT_EQ(std::system(command.c_str()), 0) << "gdal-bin's tools did not run";
+    std::string error;
+    const auto both = open_gdal_grid(dir.file("two.nc"), error);
+    const auto one = open_gdal_grid(tif, error);
+    ASSERT_NE(both, nullptr) << error;
+    ASSERT_NE(one, nullptr) << error;
+    EXPECT_EQ(both->geometry().columns, columns);
+    for (const point& p : {point{400000.0, 1200000.0}, point{350000.0, 1175000.0}})
+        EXPECT_EQ(sample_grid_point(*both, p.x, p.y), sample_grid_point(*one, p.x, p.y));
 }
 
 TEST(gdal_grid, a_file_that_is_no_grid_gives_the_reason) {

@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "project/digitising.h"
 #include "project/grid_source.h"
+#include "test_grids.h"
 
 namespace trensil {
 namespace {
@@ -89,17 +89,10 @@ TEST(station_spacing, repeated_point_stands_two_stations_on_it) {
     for (int k = 1; k <= n; ++k) EXPECT_NEAR(b.d.sample_x(k), x[k - 1], 1e-9) << k;
 }
 
+// Centres: x 1005, 1015, 1025; y 1995 (row 0), 1985 (row 1).
 memory_grid small_grid() {
-    grid_geometry g;
-    g.columns = 3;
-    g.rows = 2;
-    g.x_origin = 1000.0;
-    g.y_origin = 2000.0;  // northern edge: rows run south
-    g.cell_width = 10.0;
-    g.cell_height = -10.0;
-    const float none = std::numeric_limits<float>::quiet_NaN();
-    // Centres: x 1005, 1015, 1025; y 1995 (row 0), 1985 (row 1).
-    return memory_grid(g, {1, 2, none, 3, 5, -1e31f});
+    return memory_grid(testing::square_cells(3, 2, 1000.0, 2000.0, 10.0),
+                       {1, 2, testing::no_value, 3, 5, -1e31f});
 }
 
 TEST(grid_sampling, bilinear_and_nothing_made_up_from_a_cell_without_value) {

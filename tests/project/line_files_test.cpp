@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 
 #include "io/load_line.h"
 #include "io/model_file_reader.h"
@@ -11,6 +10,7 @@
 #include "response/response_driver.h"
 #include "support/scratch_dir.h"
 #include "support/scripted_platform.h"
+#include "test_grids.h"
 
 namespace trensil {
 namespace {
@@ -22,17 +22,8 @@ using testing::scratch_dir;
 struct line_fixture : ::testing::Test {
     scripted_platform ui;
     array1<double> x{1, 5}, y{1, 5};
-    memory_grid mag{[] {
-                        grid_geometry g;
-                        g.columns = 4;
-                        g.rows = 1;
-                        g.x_origin = 995.0;
-                        g.y_origin = 5.0;
-                        g.cell_width = 10.0;
-                        g.cell_height = -10.0;
-                        return g;
-                    }(),
-                    {100, 110, 120, std::numeric_limits<float>::quiet_NaN()}};
+    memory_grid mag{testing::square_cells(4, 1, 995.0, 5.0, 10.0),
+                    {100, 110, 120, testing::no_value}};
     line_fixture() {
         for (int i = 1; i <= 5; ++i) x(i) = 1000.0 + 6.0 * (i - 1), y(i) = 0.0;
     }

@@ -12,6 +12,7 @@
 #include "support/paths.h"
 #include "support/scratch_dir.h"
 #include "support/scripted_platform.h"
+#include "test_grids.h"
 #include "workspace/modelling_workspace.h"
 #include "workspace/recording_graph_control.h"
 
@@ -39,13 +40,7 @@ std::unique_ptr<grid_source> open_test_grid(const std::string& path, std::string
         error = "not a grid";
         return nullptr;
     }
-    grid_geometry g;
-    g.columns = 20;
-    g.rows = 10;
-    g.x_origin = 0.0;
-    g.y_origin = 1000.0;
-    g.cell_width = 100.0;
-    g.cell_height = -100.0;
+    const grid_geometry g = testing::square_cells(20, 10, 0.0, 1000.0, 100.0);
     std::vector<float> values;
     for (int r = 0; r < g.rows; ++r)
         for (int c = 0; c < g.columns; ++c)
