@@ -1,4 +1,4 @@
-# make run   installs what is missing, builds, opens the modelling window on the bundled example
+# make run   installs what is missing, builds, opens the project window on the bundled example
 # make test  installs what is missing, builds, runs every test (Release, then sanitizers)
 # make build builds everything into build/bin; make bench runs the benchmarks
 # make example-project remakes the example project's line files and project file
@@ -6,7 +6,7 @@
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
 JOBS       ?= $(shell nproc)
-EXAMPLE    ?= examples/tempest/tempest_line_225401.qvx
+EXAMPLE    ?= examples/project/tempest_survey.qvj
 
 .PHONY: all deps configure build build-asan test test-release test-asan check-layers \
         check-format format run bench clean example-project

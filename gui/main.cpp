@@ -1,23 +1,46 @@
-// trensil [MODEL.qvx] [--plan] [--screenshot OUT.png]
-// Opens the modelling window, on a model when one is given. With --screenshot the window's
-// graphs (the section, or the plan with --plan) are drawn and saved as a PNG, and the program
-// ends: 0 when the picture was written, 1 when the model could not be read or the picture not
+// trensil [PROJECT.qvj | MODEL.qvx] [--plan] [--screenshot OUT.png]
+// With no file, or with a project file, opens the project window (on that project). With a
+// model file, opens the modelling window on it. With --screenshot the window (for a model: its
+// graphs, the section or with --plan the plan) is drawn and saved as a PNG, and the program
+// ends: 0 when the picture was written, 1 when the file could not be read or the picture not
 // written (the reason on standard error).
 #include <QApplication>
 #include <QImage>
 #include <iostream>
+#include <memory>
 #include <string>
 
 #include "modelling_window.h"
+#include "project_window.h"
 #include "qt_platform.h"
 #include "qt_settings_store.h"
+#include "support/paths.h"
+
+namespace {
+constexpr const char* usage =
+    "usage: trensil [PROJECT.qvj | MODEL.qvx] [--plan] [--screenshot OUT.png]\n";
+
+bool is_project_file(const std::string& path) {
+    std::string ext = trensil::extension_part(path);
+    for (char& c : ext) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return ext == "qvj";
+}
+
+int save_picture(const QImage& image, const std::string& path) {
+    if (!image.save(QString::fromStdString(path), "PNG")) {
+        std::cerr << "The picture could not be written to " << path << "\n";
+        return 1;
+    }
+    return 0;
+}
+}  // namespace
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
     QApplication::setOrganizationName("Ostrand");
     QApplication::setApplicationName("Trensil");
 
-    std::string model_path, screenshot;
+    std::string file, screenshot;
     bool plan = false;
     const QStringList args = QApplication::arguments();
     for (int i = 1; i < args.size(); ++i) {
@@ -27,37 +50,39 @@ int main(int argc, char** argv) {
         } else if (a == "--screenshot" && i + 1 < args.size()) {
             screenshot = args[++i].toStdString();
         } else if (a == "--help" || a == "-h") {
-            std::cout << "usage: trensil [MODEL.qvx] [--plan] [--screenshot OUT.png]\n";
+            std::cout << usage;
             return 0;
         } else if (!a.empty() && a[0] == '-') {
-            std::cerr << "unknown option " << a << "\n"
-                      << "usage: trensil [MODEL.qvx] [--plan] [--screenshot OUT.png]\n";
+            std::cerr << "unknown option " << a << "\n" << usage;
             return 2;
         } else {
-            model_path = a;
+            file = a;
         }
     }
 
     trensil::qt_platform ui;
     ui.console = !screenshot.empty();
     trensil::qt_settings_store settings;
+    int status = 0;
+
+    if (file.empty() || is_project_file(file)) {
+        trensil::project_window window(ui, settings);
+        ui.set_owner(&window);
+        window.show();
+        QApplication::processEvents();
+        if (!file.empty()) status = trensil::open_project_file(window.workspace(), file);
+        if (screenshot.empty()) return QApplication::exec();
+        QApplication::processEvents();
+        return status != 0 ? 1 : save_picture(window.capture(), screenshot);
+    }
+
     trensil::modelling_window window(ui, settings);
     ui.set_owner(&window);
     window.show();
     QApplication::processEvents();
-
-    int status = 0;
-    if (!model_path.empty()) status = trensil::open_model_file(window.workspace(), model_path);
+    status = trensil::open_model_file(window.workspace(), file);
     if (plan && status == 0) trensil::command_show_section_or_plan(window.workspace());
-
     if (screenshot.empty()) return QApplication::exec();
-
     QApplication::processEvents();
-    if (status != 0) return 1;
-    const QImage image = window.capture_graphs();
-    if (!image.save(QString::fromStdString(screenshot), "PNG")) {
-        std::cerr << "The picture could not be written to " << screenshot << "\n";
-        return 1;
-    }
-    return 0;
+    return status != 0 ? 1 : save_picture(window.capture_graphs(), screenshot);
 }

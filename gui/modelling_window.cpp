@@ -20,6 +20,8 @@
 #include "exports/bitmap_file.h"
 #include "io/profile_data_export.h"
 #include "support/number_format.h"
+#include "transform_dialog.h"
+#include "workspace/transform_definition.h"
 
 namespace trensil {
 
@@ -102,7 +104,7 @@ void modelling_window::build_menus() {
         menu_open_model(ws_, 0);
     })->setShortcut(QKeySequence::Open);
     add(file, "menu_open_model_1", "Save Data Format and Model Definitions", [this] {
-        menu_open_model(ws_, 1);
+        save_model_file();
     })->setShortcut(QKeySequence::Save);
     file->addSeparator();
     add(file, "menu_open_model_3", "Read Model Defintions", [this] { menu_open_model(ws_, 3); });
@@ -146,10 +148,8 @@ void modelling_window::build_menus() {
     highlight->setCheckable(true);
 }
 
-void modelling_window::connect_field(const QString& name) {
-    auto* edit = findChild<QLineEdit*>(name);
-    if (!edit) return;
-    const std::string control = name.toStdString();
+void modelling_window::connect_field(QLineEdit* edit) {
+    const std::string control = edit->objectName().toStdString();
     connect(edit, &QLineEdit::textEdited, this,
             [this, control] { model_field_changed(ws_, control); });
 }
@@ -173,6 +173,10 @@ QWidget* modelling_window::build_tabs() {
     field(df, "Text_MAGINV_gravpos", "Gravity column");
     field(df, "Text_MAGINV_station_spacing", "Station spacing");
     field(df, "Text_number_locations", "Stations")->setReadOnly(true);
+    auto* transform =
+        named(new QPushButton("Define Coordinate Transform"), "Command_define_transform");
+    connect(transform, &QPushButton::clicked, this, [this] { define_coordinate_transform(); });
+    df->addRow(transform);
     dl->addWidget(data_box);
     auto* field_box = named(new QGroupBox("Earth's field and heights"), "Frame_earth_field");
     auto* ff = new QFormLayout(field_box);
@@ -228,7 +232,7 @@ QWidget* modelling_window::build_tabs() {
     xl->addStretch();
     tabs_->addTab(display, "Display");
 
-    for (QLineEdit* edit : tabs_->findChildren<QLineEdit*>()) connect_field(edit->objectName());
+    for (QLineEdit* edit : tabs_->findChildren<QLineEdit*>()) connect_field(edit);
     connect(tabs_, &QTabWidget::currentChanged, this, [this](int index) {
         const int old = shown_tab_;
         shown_tab_ = index;
@@ -385,7 +389,7 @@ QWidget* modelling_window::build_graphs() {
     bl->addWidget(named(new QLineEdit, "Text_MAGINV_basegrav"));
     static_cast<QVBoxLayout*>(base->layout())->addLayout(bl);
     al->addWidget(base);
-    for (const char* name : {"Text_MAGINV_basemag", "Text_MAGINV_basegrav"}) connect_field(name);
+    for (QLineEdit* edit : base->findChildren<QLineEdit*>()) connect_field(edit);
 
     auto* controls = new QHBoxLayout;
     auto* pan = named(new QScrollBar(Qt::Horizontal), "HScroll_pan");
@@ -408,7 +412,7 @@ QWidget* modelling_window::build_graphs() {
     button("Command_show_section_or_plan", "Show Plan View",
            [this] { command_show_section_or_plan(ws_); });
     button("Command_Save_Screenshot", "Screenshot", [this] { save_screenshot(); });
-    button("Command_save_qvx_model", "Save the Model", [this] { menu_open_model(ws_, 1); });
+    button("Command_save_qvx_model", "Save the Model", [this] { save_model_file(); });
     al->addLayout(controls);
     return area;
 }
@@ -447,6 +451,16 @@ void modelling_window::pick_body(int polygon) {
     ws_.section.current_body = b;
     show_current_body(ws_);
     display_model(ws_, 1);
+}
+
+void modelling_window::save_model_file() {
+    if (menu_open_model(ws_, 1) == 0) emit model_saved();
+}
+
+void modelling_window::define_coordinate_transform() {
+    begin_define_transform(ws_);
+    define_transform(ws_.transforms, ws_.ui, this);
+    end_define_transform(ws_);
 }
 
 QImage modelling_window::capture_graphs() {

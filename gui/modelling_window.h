@@ -16,6 +16,7 @@
 
 class QTabWidget;
 class QLabel;
+class QLineEdit;
 
 namespace trensil {
 
@@ -56,6 +57,10 @@ public:
     int form_width() const override { return QMainWindow::width(); }
     int form_height() const override { return QMainWindow::height(); }
 
+signals:
+    // The model was saved to its file (the project window takes a project line's save back).
+    void model_saved();
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -66,9 +71,12 @@ private:
     QWidget* build_tabs();
     QWidget* build_graphs();
     QWidget* build_inversion_panel();
-    void connect_field(const QString& name);
+    // The edit's changes go to model_field_changed under its name.
+    void connect_field(QLineEdit* edit);
     void pointer_on_graph(int index, bool outside, double x, double y);
     void pick_body(int polygon);
+    void save_model_file();
+    void define_coordinate_transform();
 
     modelling_workspace ws_;
     workspace_inversion_view inversion_panel_;

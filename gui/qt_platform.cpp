@@ -24,11 +24,14 @@ QString caption(const std::string& title) {
 QString qt_platform::qt_filter(const std::string& filter) {
     const QStringList parts = q(filter).split('|');
     QStringList out;
+    // Qt takes the patterns from the label's parentheses, separated by blanks: the label's own
+    // "(*.dat;*.csv)" would be one pattern that matches nothing, so it is rebuilt from the list.
     for (int i = 0; i + 1 < parts.size(); i += 2) {
         QString label = parts[i];
+        const qsizetype open = label.indexOf('(');
+        if (open >= 0) label.truncate(open);
         const QString patterns = QString(parts[i + 1]).replace(';', ' ');
-        if (!label.contains('(')) label += " (" + patterns + ")";
-        out << label;
+        out << label.trimmed() + " (" + patterns + ")";
     }
     return out.join(";;");
 }

@@ -10,7 +10,7 @@ packages=(
     qt6-base-dev qt6-base-dev-tools libqt6svg6 libgl1-mesa-dev
     libgdal-dev gdal-bin
     python3 python3-ezdxf
-    xvfb xauth imagemagick
+    xvfb xauth xdotool imagemagick
     gmt gmt-dcw gmt-gshhg-low
 )
 

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Opens the modelling window on the example; without a display, renders it offscreen to a
-# picture; until the window is built, computes the example with the batch tool.
+# Opens the example (the project window on a project file, the modelling window on a model);
+# without a display, draws the window offscreen to a picture; until the window is built, lists
+# the project's lines, or computes the model, with the batch tool.
 set -euo pipefail
 build=$1
 model=$2
@@ -13,8 +14,12 @@ if [ -x "$build/bin/trensil" ]; then
     export XDG_RUNTIME_DIR=${XDG_RUNTIME_DIR:-$(mktemp -d)}
     QT_QPA_PLATFORM=offscreen QT_LOGGING_RULES='default.warning=false;qt.qpa.*=false' \
         "$build/bin/trensil" "$model" --screenshot out/example.png
-    echo "No display: the modelling window of $model was drawn to out/example.png"
+    echo "No display: the window of $model was drawn to out/example.png"
     exit 0
 fi
-"$build/bin/trensil-cli" compute "$model" -o out/example.csv --force
-echo "Computed profile written to out/example.csv"
+mkdir -p out
+case "$model" in
+    *.qvj) "$build/bin/trensil-cli" project list "$model" ;;
+    *) "$build/bin/trensil-cli" compute "$model" -o out/example.csv --force
+       echo "Computed profile written to out/example.csv" ;;
+esac

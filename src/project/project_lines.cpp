@@ -6,6 +6,7 @@
 #include "project/line_files.h"
 #include "project/project_controls.h"
 #include "project/project_workspace.h"
+#include "response/response_driver.h"
 #include "support/number_format.h"
 #include "support/paths.h"
 #include "workspace/nice_range.h"
@@ -130,6 +131,9 @@ int load_project_line(project_workspace& ws, int index) {
     load_line(path, model, ws.project_file, status, services);
     if (status != 0) return -1;
     model.model_file = path;
+    // A line without a sensor or ground column stands at the model's topography and sensor
+    // height, as the response sees it.
+    prepare_station_heights(model);
     fill_line_profile(model, p.profiles(index));
     return 0;
 }

@@ -1,7 +1,12 @@
 // One application for the whole offscreen test program, whichever test comes first. Qt's runtime
 // folder is one of the program's own scratch folders, removed at exit, instead of one it would
-// leave in the system's temporary folder.
+// leave in the system's temporary folder. The application is destroyed when the tests end, not
+// by the C library's exit handlers: those would first destroy the list in which the pointing
+// device of synthetic mouse events is registered, and the application's destructor then deletes
+// the device through that list.
 #pragma once
+
+#include <gtest/gtest.h>
 
 #include <QApplication>
 #include <cstdlib>
@@ -10,6 +15,11 @@
 #include "../support/scratch_dir.h"
 
 namespace trensil {
+
+class application_environment : public ::testing::Environment {
+public:
+    void TearDown() override { delete QApplication::instance(); }
+};
 
 inline void application() {
     if (QApplication::instance()) return;
@@ -20,7 +30,9 @@ inline void application() {
     static int argc = 1;
     static char name[] = "test_gui";
     static char* argv[] = {name, nullptr};
-    static QApplication app(argc, argv);
+    new QApplication(argc, argv);
+    // Environments added while the tests run are torn down with the others at the end.
+    ::testing::AddGlobalTestEnvironment(new application_environment);
 }
 
 }  // namespace trensil
