@@ -106,7 +106,7 @@ void run_inversion(inversion_context& ctx, bool whole_model, int mode, int max_i
     float F = evaluate_misfit(ctx, p.mag_channels, p.grav_channels, s.current_residual);
     // The best model of a first run starts as the model the user came with.
     if (s.best_misfit == undefined_value) keep_as_best(ctx, F);
-    ctx.view.set_text(ic::Text_MAGINV_misfit, 0, format_fixed(F, 4));
+    ctx.observer->run_started(make_progress(s, 0, F));
 
     iterate_inversion(ctx, max_iterations, F);
     misfit = F;
