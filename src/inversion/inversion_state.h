@@ -10,6 +10,7 @@
 #include <cstdint>
 
 #include "core/parameter.h"
+#include "inversion/fit_summary.h"
 #include "support/bounded_array.h"
 
 namespace trensil {
@@ -17,6 +18,20 @@ namespace trensil {
 // Data types an inversion can fit, the list index of Combo_invert.
 inline constexpr int inversion_mode_magnetics = 0;
 inline constexpr int inversion_mode_gravity = 1;
+// Both data types at once: the free properties of magnetics and of gravity (joint fits).
+inline constexpr int inversion_mode_joint = 2;
+
+// The two solvers: the coordinate descent (the default) and the bounded damped least squares.
+enum class inversion_solver : int { coordinate_descent = 0, damped_least_squares = 1 };
+
+// The choices of the damped least-squares solver. A noise level of 0 is taken from the data's
+// own scatter.
+struct least_squares_options {
+    bool joint = false;       // magnetics and gravity in one fit
+    bool robust = false;      // Huber loss: a few spikes do not drag the fit
+    float noise_mag = 0.0f;   // nT (nT/m when the gradient is fitted)
+    float noise_grav = 0.0f;  // mGal (mGal/m when the gradient is fitted)
+};
 
 // Columns of inversion_parameters.
 enum inversion_column : int {
@@ -42,6 +57,12 @@ struct inversion_state {
     std::int32_t inversion_count = 0;
     array1<float> current_residual;
     array1<float> trial_residual;
+
+    // The solver a run uses, the least-squares solver's choices, and what its last run found
+    // out about the parameters (empty after a coordinate descent).
+    inversion_solver solver = inversion_solver::coordinate_descent;
+    least_squares_options least_squares;
+    fit_summary fit;
 
     // The session.
     float best_misfit = undefined_value;  // -99999: none
