@@ -15,9 +15,10 @@
 
 #include "cli_command.h"
 #include "cli_model.h"
+#include "inversion/fit_report.h"
 #include "inversion/inversion_session.h"
 #include "inversion/parameter_vector.h"
-#include "invert_report.h"
+#include "invert_progress.h"
 #include "io/model_file_writer.h"
 #include "io/profile_data_export.h"
 #include "response/response_driver.h"
@@ -256,7 +257,9 @@ int run_invert(const std::vector<std::string>& args) {
                   << general_number(before[j].value) << " -> " << general_number(after[j].value)
                   << "\n";
     }
-    print_fit_summary(std::cout, model, state, response.inversion_fits_gradient == 1);
+    for (const std::string& line :
+         fit_report_lines(model, state, response.inversion_fits_gradient == 1))
+        std::cout << line << "\n";
 
     if (!write_model_core(false, out, model, ui)) {
         ui.flush_messages(std::cerr, "trensil-cli invert: ");
