@@ -57,10 +57,16 @@ void estimate_parameter_errors(const std::vector<double>& jacobian,
     if (q == 0 || dof <= 0) return;
     const double s2 = scatter / dof;
 
+    // Columns scaled to unit length, so that parameters of different units (metres, degrees,
+    // millionths SI) count alike when a combination is judged undetermined.
     Eigen::MatrixXd a(m, q);
+    Eigen::VectorXd scale(q);
     for (int c = 0; c < q; ++c) {
         const double* column = jacobian.data() + static_cast<std::size_t>(free[c]) * m;
         for (int i = 0; i < m; ++i) a(i, c) = row_weight(i) * column[i];
+        const double length = a.col(c).norm();
+        scale(c) = length > 0.0 ? 1.0 / length : 1.0;
+        a.col(c) *= scale(c);
     }
     const Eigen::JacobiSVD<Eigen::MatrixXd> svd(a, Eigen::ComputeThinV);
     const Eigen::VectorXd& s = svd.singularValues();
@@ -79,6 +85,7 @@ void estimate_parameter_errors(const std::vector<double>& jacobian,
                     undetermined[static_cast<std::size_t>(c)] = true;
         }
     }
+    covariance = scale.asDiagonal() * covariance * scale.asDiagonal();
 
     for (int c = 0; c < q; ++c) {
         parameter_error& e = summary.errors[static_cast<std::size_t>(free[c])];

@@ -406,7 +406,8 @@ TEST(noise_level, fourth_differences_see_the_noise_not_the_anomaly_nor_the_spike
 }
 
 // A straight line a + b x through ten points: the textbook errors and correlation; a column
-// repeated makes both copies undetermined; a parameter at its limit is held and left out.
+// repeated (in other units) makes both copies undetermined; a parameter at its limit is held
+// and left out.
 TEST(parameter_errors, straight_line_errors_and_undetermined_and_held_parameters) {
     const int n = 10;
     const double r[n] = {0.3, -0.5, 0.1, 0.8, -0.2, -0.7, 0.4, 0.0, -0.1, 0.6};
@@ -430,7 +431,10 @@ TEST(parameter_errors, straight_line_errors_and_undetermined_and_held_parameters
     EXPECT_NEAR(f.strongest[0].value, -sx / std::sqrt(n * sxx), 1e-6);
     EXPECT_NEAR(f.normalised_misfit, std::sqrt(s2), 1e-6);
 
+    // The copy in units a thousand times larger trades with the original just the same.
+    for (int i = 0; i < n; ++i) j3[static_cast<std::size_t>(2 * n + i)] *= 1000.0;
     estimate_parameter_errors(j3, residual, n, 3, {false, false, false}, 0.0, f);
+    EXPECT_EQ(f.errors[0].state, error_state::estimated);
     EXPECT_EQ(f.errors[1].state, error_state::undetermined);
     EXPECT_EQ(f.errors[2].state, error_state::undetermined);
     EXPECT_TRUE(f.strongest.empty());
