@@ -89,6 +89,8 @@ public:
         ctx.observer->iteration_done(
             make_progress(ctx.state, summary.iteration, run_.problem.misfit));
         ctx.view.redraw_inversion_progress();
+        ctx.model.channel_valid[3] = -1;  // the graphs keep their ranges between iterations
+        ctx.model.channel_valid[6] = -1;
         ctx.ui.process_events();
         return ctx.state.stop_requested ? ceres::SOLVER_TERMINATE_SUCCESSFULLY
                                         : ceres::SOLVER_CONTINUE;
@@ -165,8 +167,8 @@ void run_least_squares(inversion_context& ctx, int max_iterations, float& F) {
 
     ceres::Solver::Summary summary;
     ceres::Solve(options, &fit, &summary);
-    if (summary.termination_type == ceres::FAILURE)
-        ctx.ui.show_message("The least-squares fit could not go on: " + summary.message);
+    const bool failed = summary.termination_type == ceres::FAILURE;
+    if (failed) ctx.ui.show_message("The least-squares fit could not go on: " + summary.message);
 
     // The model, the table and the main arrays at the final parameters, with their Jacobian.
     move_to_point(ctx, problem, run.x.data());
@@ -179,8 +181,14 @@ void run_least_squares(inversion_context& ctx, int max_iterations, float& F) {
     std::vector<bool> at_limit(static_cast<std::size_t>(n));
     for (int k = 1; k <= n; ++k)
         at_limit[static_cast<std::size_t>(k - 1)] = parameter_at_limit(s, k);
-    estimate_parameter_errors(problem.jacobian, problem.residual, problem.data(), n, at_limit,
-                              s.least_squares.robust ? huber_threshold : 0.0, result);
+    if (failed) {
+        // Residuals that cannot be computed give no errors either.
+        result.errors.assign(static_cast<std::size_t>(n), parameter_error{});
+        result.data_count = problem.data();
+    } else {
+        estimate_parameter_errors(problem.jacobian, problem.residual, problem.data(), n, at_limit,
+                                  s.least_squares.robust ? huber_threshold : 0.0, result);
+    }
     result.available = true;
     result.noise_mag = result.noise_grav = 0.0f;
     for (const fit_channel& c : problem.channels)
