@@ -10,6 +10,7 @@
 #include <benchmark/benchmark.h>
 
 #include <sys/resource.h>
+#include <unistd.h>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -212,9 +213,11 @@ BENCHMARK_CAPTURE(facet_kernel_one_thread, avx512, false, facet_block_isa::avx51
     ->Unit(benchmark::kMillisecond);
 
 // The same triangles and stations as files for gmt: raw triangles (x1 y1 z1 x2 ... z3) with z up,
-// and the station positions; the stations lie at elevation 0, gmt's observation level.
+// and the station positions; the stations lie at elevation 0, gmt's observation level. In a
+// folder of this run's own, which print_ratio removes.
 std::filesystem::path write_gmt_inputs() {
-    const auto dir = std::filesystem::temp_directory_path() / "trensil_bench_facet";
+    const auto dir = std::filesystem::temp_directory_path() /
+                     ("trensil_bench_facet_" + std::to_string(::getpid()));
     std::filesystem::create_directories(dir);
     const bench_body& b = body();
     std::ofstream tri(dir / "body.raw");
@@ -283,6 +286,8 @@ void print_ratio() {
         gmt.wall = std::min(gmt.wall, g.wall);
         gmt.cpu = std::min(gmt.cpu, g.cpu);
     }
+    std::error_code ec;
+    std::filesystem::remove_all(dir, ec);
     if (gmt.wall > 0.0 && !reference_rate_given) {
         std::printf(
             "\ngmt gravmag3d (same triangles and stations): %.3f s wall, %.3f s processor: "

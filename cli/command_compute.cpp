@@ -7,7 +7,7 @@
 #include "cli_command.h"
 #include "cli_model.h"
 #include "io/profile_data_export.h"
-#include "response/response_driver.h"
+#include "response/channel_setup.h"
 #include "support/number_format.h"
 #include "support/paths.h"
 
@@ -48,9 +48,10 @@ int run_compute(const std::vector<std::string>& args) {
         return exit_failure;
     }
 
+    // The channels the window would show and export for this model file.
     response_state state;
     state.ui = &ui;
-    calculate_display_channels(model, state);
+    calculate_model_channels(model, state);
 
     // A new folder for the output is made, as a save dialog would let the user do.
     const std::string out_folder = directory_part(out);

@@ -21,6 +21,7 @@
 #include "invert_progress.h"
 #include "io/model_file_writer.h"
 #include "io/profile_data_export.h"
+#include "response/channel_setup.h"
 #include "response/response_driver.h"
 #include "support/number_format.h"
 #include "support/paths.h"
@@ -219,7 +220,7 @@ int run_invert(const std::vector<std::string>& args) {
     response_state response;
     response.ui = &ui;
     response.inversion_fits_gradient = parsed.has("--gradient") ? 1 : 0;
-    calculate_display_channels(model, response);
+    calculate_model_channels(model, response);
 
     console_view view(model, response);
     view.data_type = parsed.has("--gravity") ? inversion_mode_gravity : inversion_mode_magnetics;

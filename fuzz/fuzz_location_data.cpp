@@ -3,8 +3,6 @@
 // pass finds the stations the counting pass counted, a reading failure is reported, and profile
 // set-up either refuses the profile or leaves strictly growing distances, at most 8193 stations
 // when resampled.
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -16,19 +14,15 @@
 #include "core/model_record.h"
 #include "io/location_reader.h"
 #include "io/profile_setup.h"
+#include "support/scratch_dir.h"
 #include "support/scripted_platform.h"
 
 namespace {
 
+// The data file, in this run's own folder, which goes when the run ends.
 const std::string& data_path() {
-    static const auto* path = [] {
-        auto* p = new std::string((std::filesystem::temp_directory_path() /
-                                   ("trensil_fuzz_location_" + std::to_string(::getpid())))
-                                      .string());
-        std::atexit([] { std::remove(data_path().c_str()); });
-        return p;
-    }();
-    return *path;
+    static const std::string path = trensil::testing::process_scratch_dir().file("location_data");
+    return path;
 }
 
 }  // namespace

@@ -2,8 +2,6 @@
 // line "#def NHEAD NSTEP X Y Z DTM MAG GRAV" chooses the columns and is removed; without it the
 // columns of the bundled example line are used. Oracle: the counting and the storing pass agree
 // on the stations, and a profile that sets up never runs backwards.
-#include <unistd.h>
-
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -16,15 +14,15 @@
 #include "io/coordinate_transform.h"
 #include "io/location_reader.h"
 #include "io/profile_setup.h"
+#include "support/scratch_dir.h"
 #include "support/scripted_platform.h"
 #include "support/text_tokens.h"
 
 namespace {
 
+// A file of this run's own folder, which goes when the run ends.
 std::string temp_path(const char* name) {
-    return (std::filesystem::temp_directory_path() /
-            (std::string(name) + "_" + std::to_string(::getpid()) + ".csv"))
-        .string();
+    return trensil::testing::process_scratch_dir().file(std::string(name) + ".csv");
 }
 
 // Small column numbers only: the reader takes every word up to the largest column.

@@ -1,34 +1,28 @@
 // Fuzz target of the model file reader: the bytes are a model file, read in its three modes with
 // a scripted platform that cancels the search for a missing data file (so that the bodies are
 // read). Oracle: reading what the writer makes of a read model gives the same text again.
-#include <unistd.h>
-
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "core/model_record.h"
 #include "io/file_search.h"
 #include "io/model_file_reader.h"
 #include "io/model_file_writer.h"
+#include "support/scratch_dir.h"
 #include "support/scripted_platform.h"
 
 namespace {
 
+// A file of this run's own folder, which goes when the run ends.
 std::string temp_path(const char* name) {
-    return (std::filesystem::temp_directory_path() /
-            (std::string(name) + "_" + std::to_string(::getpid()) + ".qvx"))
-        .string();
+    return trensil::testing::process_scratch_dir().file(std::string(name) + ".qvx");
 }
 
-void write_bytes(const std::string& path, const std::string& bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << bytes;
-}
+using trensil::testing::write_all;
 
 trensil::model_record read(std::int16_t mode, const std::string& path, std::int16_t& status) {
     trensil::scripted_platform ui;
@@ -64,7 +58,7 @@ bool writes_back_exactly(const trensil::model_record& m) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::string path = temp_path("trensil_fuzz_model");
     static const std::string again = temp_path("trensil_fuzz_model_again");
-    write_bytes(path, std::string(reinterpret_cast<const char*>(data), size));
+    write_all(path, std::string(reinterpret_cast<const char*>(data), size));
 
     std::int16_t status = 0;
     read(-1, path, status);
@@ -76,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     first.profile.inversion_first_station = 0;
     first.profile.inversion_last_station = 0;
     const std::string text = trensil::model_file_text(false, first);
-    write_bytes(again, text);
+    write_all(again, text);
     trensil::model_record second = read(0, again, status);
     if (status != 0) std::abort();
     if (trensil::model_file_text(false, second) != text) std::abort();

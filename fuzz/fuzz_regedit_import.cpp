@@ -1,40 +1,24 @@
 // Feeds arbitrary bytes to the settings tree's import as a registry text file. Oracle: the
 // import never fails badly, and a tree's export, imported into a fresh tree and exported again,
 // gives the same text for every root.
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 
 #include "support/registry_access.h"
+#include "support/scratch_dir.h"
 
 namespace {
 
-// The folder of this run's files, removed at exit. Held by a pointer that is never freed, so
-// it outlives the exit handler that removes the folder.
+// The folder of this run's files, removed when the run ends.
 const std::filesystem::path& work_dir() {
-    static const auto* dir = [] {
-        auto* d = new std::filesystem::path(std::filesystem::temp_directory_path() /
-                                            ("trensil_fuzz_regedit_" + std::to_string(::getpid())));
-        std::filesystem::create_directories(*d);
-        std::atexit([] {
-            std::error_code ec;
-            std::filesystem::remove_all(work_dir(), ec);
-        });
-        return d;
-    }();
-    return *dir;
+    return trensil::testing::process_scratch_dir().path();
 }
 
-std::string read_all(const std::filesystem::path& p) {
-    std::ifstream in(p, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
+using trensil::testing::read_all;
 
 const char* const roots[] = {"HKEY_CURRENT_USER",  "HKEY_LOCAL_MACHINE",    "HKEY_CLASSES_ROOT",
                              "HKEY_USERS",         "HKEY_PERFORMANCE_DATA", "HKEY_DYN_DATA",

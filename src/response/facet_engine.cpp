@@ -3,6 +3,7 @@
 #include "response/facet_engine.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <vector>
 
@@ -112,7 +113,6 @@ struct station_terms {
     double d = 0.0;
 };
 
-// Vectors from the station to the face's vertices 1..n + 1 and their lengths.
 // Per station: vectors from the station to vertices 1..n + 1 and their lengths, and for each
 // edge k the product rel(k) x rel(k + 1), its length and its unit vector. Each product serves
 // the corner angles at both ends of the edge and the edge's closeness test; b x a is exactly
@@ -196,12 +196,26 @@ restart:
         omega = -side * (sum - (nv - 2) * facet_pi);
     }
     double P = 0.0, Q = 0.0, R = 0.0;
+    // Set when the tenth try has moved the station: from the next edge on, the vectors, lengths
+    // and edge test are those of the moved station, not of the position the face started from.
+    bool moved = false;
     for (int i = 1; i <= nv; ++i) {
-        vec3 a = rel(i);
-        const vec3& b = rel(i + 1);
-        const double r1 = s.dist[static_cast<std::size_t>(i)];
-        const double r2 = s.dist[static_cast<std::size_t>(i) + 1];
-        const double clen = s.cross_length[static_cast<std::size_t>(i)];  // |b x a|
+        vec3 a, b;
+        double r1, r2, clen;  // clen = |b x a|
+        if (!moved) {
+            a = rel(i);
+            b = rel(i + 1);
+            r1 = s.dist[static_cast<std::size_t>(i)];
+            r2 = s.dist[static_cast<std::size_t>(i) + 1];
+            clen = s.cross_length[static_cast<std::size_t>(i)];
+        } else {
+            a = vec3{X(i) - sx, Y(i) - sy, Z(i) - sz};
+            b = vec3{X(i + 1) - sx, Y(i + 1) - sy, Z(i + 1) - sz};
+            r1 = std::sqrt(a[0] * a[0] + a[1] * a[1] + a[2] * a[2]);
+            r2 = std::sqrt(b[0] * b[0] + b[1] * b[1] + b[2] * b[2]);
+            double c1, c2, c3;
+            cross_with_length(b[0], b[1], b[2], a[0], a[1], a[2], c1, c2, c3, clen);
+        }
         const double closeness = std::sqrt(clen * clen / (r2 * r1));
         if (closeness < 0.1) {
             // Almost on the line of this edge: move the station down (and, for a level edge,
@@ -213,8 +227,11 @@ restart:
             }
             sz = sz - 1.0;
             if (retry < 10) goto restart;
-            // Tenth try: integrate the edge as it stands, from its nearer vertex.
+            // Tenth try: integrate this edge as it stands, from its nearer vertex, and carry on
+            // from the moved position with the rest of the face. The solid angle and the
+            // distance from the plane keep the values of this try.
             if (r1 > r2) a = b;
+            moved = true;
         }
         const double ex = f.ex[i - 1], ey = f.ey[i - 1], ez = f.ez[i - 1];
         const double L2 = ex * ex + ey * ey + ez * ez;
@@ -304,24 +321,29 @@ void add_chunk(const facet_face& face, std::size_t start, std::size_t count,
     }
 }
 
-facet_block_function block_function(facet_block_isa isa) {
-#if defined(TRENSIL_FACET_X86_LANES)
+std::atomic<facet_block_isa> automatic_kernel{facet_block_isa::automatic};
+
+// The kernel that runs for `isa`: `automatic` resolved to the chosen or the widest one, and one
+// the processor cannot run replaced by the portable one, so that it is never called.
+facet_block_isa resolve_kernel(facet_block_isa isa) {
+    if (isa == facet_block_isa::automatic) isa = automatic_kernel.load(std::memory_order_relaxed);
     if (isa == facet_block_isa::automatic) {
-        static const facet_block_function widest = [] {
-            // The processor's features may not be read yet when this runs during start-up.
-            __builtin_cpu_init();
-            if (__builtin_cpu_supports("avx512f")) return &facet_block_avx512;
-            if (__builtin_cpu_supports("avx2")) return &facet_block_avx2;
-            return &facet_block_portable;
+        static const facet_block_isa widest = [] {
+            if (facet_block_isa_available(facet_block_isa::avx512)) return facet_block_isa::avx512;
+            if (facet_block_isa_available(facet_block_isa::avx2)) return facet_block_isa::avx2;
+            return facet_block_isa::portable;
         }();
         return widest;
     }
-    // A kernel the processor cannot run is never called: the portable one stands in.
-    if (isa == facet_block_isa::avx512 && facet_block_isa_available(isa))
-        return &facet_block_avx512;
-    if (isa == facet_block_isa::avx2 && facet_block_isa_available(isa)) return &facet_block_avx2;
+    return facet_block_isa_available(isa) ? isa : facet_block_isa::portable;
+}
+
+facet_block_function block_function(facet_block_isa resolved) {
+#if defined(TRENSIL_FACET_X86_LANES)
+    if (resolved == facet_block_isa::avx512) return &facet_block_avx512;
+    if (resolved == facet_block_isa::avx2) return &facet_block_avx2;
 #else
-    (void)isa;
+    (void)resolved;
 #endif
     return &facet_block_portable;
 }
@@ -332,9 +354,11 @@ bool facet_block_isa_available(facet_block_isa isa) {
     switch (isa) {
         case facet_block_isa::automatic:
         case facet_block_isa::portable:
+        case facet_block_isa::scalar:
             return true;
 #if defined(TRENSIL_FACET_X86_LANES)
         case facet_block_isa::avx2:
+            // The processor's features may not be read yet when this runs during start-up.
             __builtin_cpu_init();
             return __builtin_cpu_supports("avx2");
         case facet_block_isa::avx512:
@@ -346,6 +370,10 @@ bool facet_block_isa_available(facet_block_isa isa) {
 #endif
     }
     return false;
+}
+
+void choose_automatic_facet_kernel(facet_block_isa isa) {
+    automatic_kernel.store(isa, std::memory_order_relaxed);
 }
 
 void facet_block_portable(const facet_block_face& face, const double* x, const double* y,
@@ -369,11 +397,12 @@ template <class T>
 void facet_kernel(const facet_face& face, const facet_stations& stations, std::size_t first,
                   std::size_t last, bool want_magnetic, bool want_gravity,
                   const facet_sums<T>& sums, facet_block_isa isa) {
-    if (face.num_vertices > facet_block_max_vertices) {
+    const facet_block_isa kernel = resolve_kernel(isa);
+    if (kernel == facet_block_isa::scalar || face.num_vertices > facet_block_max_vertices) {
         facet_kernel_reference(face, stations, first, last, want_magnetic, want_gravity, sums);
         return;
     }
-    const facet_block_function block = block_function(isa);
+    const facet_block_function block = block_function(kernel);
     const facet_block_face bf{face.num_vertices, face.vx, face.vy, face.vz, face.ex,
                               face.ey,           face.ez, face.l,  face.m,  face.n};
     // Terms of a chunk of stations at a time, then added station by station in order.

@@ -84,11 +84,16 @@ bool prepare_facet(int num_vertices, double* vx, double* vy, double* vz, double*
 
 // The block kernel that computes the per-station terms: `automatic` takes the widest the
 // processor has (AVX-512, AVX2, else the portable one); one the processor lacks is replaced by the
-// portable one. All of them give the same bits.
-enum class facet_block_isa { automatic, portable, avx2, avx512 };
+// portable one. All of them give the same bits. `scalar` takes no block kernel: every station
+// goes one at a time through facet_kernel_reference.
+enum class facet_block_isa { automatic, portable, avx2, avx512, scalar };
 
 // True when this processor and build can run `isa`.
 bool facet_block_isa_available(facet_block_isa isa);
+
+// What `automatic` stands for from now on, in the whole process: the widest kernel (automatic,
+// the default) or the one named. For running whole models through each kernel in turn.
+void choose_automatic_facet_kernel(facet_block_isa isa);
 
 // Adds a prepared face's contribution at stations [first, last) to the sums. The single-thread
 // kernel under facet_response and the polyhedron responses: stations go through the block kernel

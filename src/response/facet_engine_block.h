@@ -5,7 +5,8 @@
 // exactly, and so does every decision (side of the plane, edge-line test, sign changes); the arc
 // cosine and logarithm are this file's own (facet_lanes_arc_cos, facet_lanes_log), within a few
 // units in the last place of the scalar path's in double precision. A station that needs the move
-// off an edge line is flagged and left to the scalar path.
+// off an edge line is flagged and left to the scalar path, which redoes the whole face for it
+// from each moved position; no lane here ever works from a moved station.
 //
 // This header is compiled into translation units built for different instruction sets, so it
 // includes nothing but the language's builtins and keeps everything it defines internal.

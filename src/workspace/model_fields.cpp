@@ -2,6 +2,7 @@
 #include <functional>
 #include <map>
 
+#include "response/channel_setup.h"
 #include "support/text_tokens.h"
 #include "workspace/modelling_workspace.h"
 
@@ -150,9 +151,8 @@ const std::map<std::string, field_handler>& field_handlers() {
          [](modelling_workspace& ws, const field_text& f) {
              if (!f.numeric || f.value < 0) return;
              ws.model.VG_filter_width = static_cast<std::int32_t>(f.value);
-             const bool total = ws.view->checked("Check_display_total_gradient");
-             ws.response.vg_mode =
-                 total ? std::array<std::int32_t, 2>{1, 2} : std::array<std::int32_t, 2>{0, 0};
+             set_up_derived_channels(ws.model, ws.response,
+                                     ws.view->checked("Check_display_total_gradient"));
              mark_changed(ws);
          }},
         {"Text_depth_grid_spacing", display_length(&model_record::depth_grid_spacing)},

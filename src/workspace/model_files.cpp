@@ -8,8 +8,10 @@
 #include "io/model_file_reader.h"
 #include "io/model_file_writer.h"
 #include "io/profile_setup.h"
+#include "response/channel_setup.h"
 #include "support/number_format.h"
 #include "support/paths.h"
+#include "workspace/graph_display.h"
 #include "workspace/modelling_workspace.h"
 
 namespace trensil {
@@ -114,6 +116,7 @@ void load_data_format_on_form(modelling_workspace& ws) {
     view.set_text("Text_finite_body_left_clip", general_number(m.finite_body_left_clip));
     view.set_text("Text_finite_body_right_clip", general_number(m.finite_body_right_clip));
     view.set_text("Text_infinite_body_length", general_number(m.infinite_body_length));
+    view.set_checked("Check_display_total_gradient", m.vg_component_1 == 1);
     if (m.display_settings_present) {
         view.set_checked("menu_display_axes", m.display_axes != 0);
         view.set_checked("Check_show_body_label", m.show_body_label != 0);
@@ -208,9 +211,10 @@ int validate_model_display(modelling_workspace& ws) {
     if (model.profile.num_stations < 1 && load_model_data(ws) != 0) return -1;
     if (model.profile.num_stations < 1) return -1;
     const bool total = view.checked("Check_display_total_gradient");
-    model.vg_component_1 = total ? 1 : 0;
-    model.vg_component_2 = total ? 2 : 0;
-    ws.response.vg_mode = {model.vg_component_1, model.vg_component_2};
+    set_up_derived_channels(model, ws.response, total);
+    for (int i : {1, 3})
+        if (ws.graphs[static_cast<std::size_t>(i)])
+            ws.graphs[static_cast<std::size_t>(i)]->title = graph_title(i, total);
     const bool mag = model.magpos > 0;
     const bool grav = model.gravpos > 0;
     view.set_visible("Frame_mag_profiles", mag || !grav);

@@ -1,5 +1,6 @@
 #include <string>
 
+#include "response/channel_setup.h"
 #include "response/response_driver.h"
 #include "workspace/graph_display.h"
 #include "workspace/modelling_workspace.h"
@@ -138,9 +139,7 @@ void check_display_total_gradient(modelling_workspace& ws) {
     for (int i : {1, 3})
         if (ws.graphs[static_cast<std::size_t>(i)])
             ws.graphs[static_cast<std::size_t>(i)]->title = graph_title(i, total);
-    ws.model.vg_component_1 = total ? 1 : 0;
-    ws.model.vg_component_2 = total ? 2 : 0;
-    ws.response.vg_mode = {ws.model.vg_component_1, ws.model.vg_component_2};
+    set_up_derived_channels(ws.model, ws.response, total);
     ws.model_changed = true;
     ws.view->set_enabled("Command_save_qvx_model", true);
     ws.model.channel_valid[1] = 0;

@@ -8,9 +8,9 @@
 namespace trensil {
 namespace {
 
-using testing::read_bytes;
+using testing::read_all;
 using testing::run_command;
-using testing::scratch_directory;
+using testing::scratch_dir;
 
 // 3 by 2 pixels: 9 bytes a row, so every row is padded to 12. Top row red, green, blue; bottom
 // row white, black, a grey of 1, 2, 3 (the byte order shows in it).
@@ -23,12 +23,12 @@ picture small_picture() {
 }
 
 TEST(bitmap_file, reads_back_with_its_size_and_pixels) {
-    scratch_directory dir("bitmap");
+    scratch_dir dir("bitmap");
     const std::string path = dir.file("capture.bmp");
     std::string error;
     ASSERT_EQ(write_bitmap_file(path, small_picture(), error), 0) << error;
 
-    const std::string bytes = read_bytes(path);
+    const std::string bytes = read_all(path);
     EXPECT_EQ(bytes.size(), 14u + 40u + 2u * 12u);
     EXPECT_EQ(bytes.substr(0, 2), "BM");
 
@@ -48,7 +48,7 @@ TEST(bitmap_file, reads_back_with_its_size_and_pixels) {
 }
 
 TEST(bitmap_file, refuses_a_picture_without_pixels) {
-    scratch_directory dir("bitmap_empty");
+    scratch_dir dir("bitmap_empty");
     std::string error;
     EXPECT_EQ(write_bitmap_file(dir.file("empty.bmp"), picture{}, error), -1);
     picture short_one = small_picture();
@@ -66,7 +66,7 @@ TEST(screen_capture, is_named_for_the_view_beside_the_model) {
 }
 
 TEST(screen_capture, replaces_an_earlier_capture_and_always_fills_the_clipboard) {
-    scratch_directory dir("capture");
+    scratch_dir dir("capture");
     model_record model;
     model.model_file = dir.file("line.qvx");
     scripted_platform ui;
@@ -76,7 +76,7 @@ TEST(screen_capture, replaces_an_earlier_capture_and_always_fills_the_clipboard)
     second.rgb[0] = 7;
     EXPECT_EQ(save_screen_capture(model, second, true, ui), dir.file("line_plan.bmp"));
     EXPECT_TRUE(ui.questions.empty());
-    EXPECT_EQ(static_cast<unsigned char>(read_bytes(dir.file("line_plan.bmp"))[14 + 40 + 12 + 2]),
+    EXPECT_EQ(static_cast<unsigned char>(read_all(dir.file("line_plan.bmp"))[14 + 40 + 12 + 2]),
               7u);  // top row is last in the file; red is its third byte
     EXPECT_EQ(ui.clipboard.rgb, second.rgb);
 

@@ -15,10 +15,10 @@ namespace {
 using testing::add_body;
 using testing::dxf_reading;
 using testing::model_with_stations;
-using testing::read_bytes;
+using testing::read_all;
 using testing::read_dxf;
 using testing::read_lines;
-using testing::scratch_directory;
+using testing::scratch_dir;
 
 const std::string reference_dir = std::string(TRENSIL_SOURCE_DIR) + "/tests/exports/data/";
 
@@ -75,12 +75,12 @@ TEST(dxf_default_names, sit_beside_the_model_and_are_empty_without_one) {
 
 TEST(dxf_files, match_the_hand_written_reference_line_for_line) {
     model_record model = small_model();
-    EXPECT_EQ(plan_text(model), read_bytes(reference_dir + "small_plan.dxf"));
-    EXPECT_EQ(body_text(model), read_bytes(reference_dir + "small_3d.dxf"));
+    EXPECT_EQ(plan_text(model), read_all(reference_dir + "small_plan.dxf"));
+    EXPECT_EQ(body_text(model), read_all(reference_dir + "small_3d.dxf"));
 }
 
 TEST(dxf_files, are_read_by_a_dxf_reader_with_the_written_geometry) {
-    scratch_directory dir("dxf_read");
+    scratch_dir dir("dxf_read");
     model_record model = small_model();
     response_state state;
     std::string error;
@@ -125,7 +125,7 @@ TEST(plan_dxf, writes_footprints_only_for_sheets_and_cylinders_that_reach_the_vi
     body_record& pipe = add_body(model, 16, "Pipe", 1080.0, 5000.0, 0.0f, 90.0f);
     pipe.width.value = 4.0f;
     pipe.length.value = 20.0f;
-    scratch_directory dir("plan_bodies");
+    scratch_dir dir("plan_bodies");
     std::string error;
     ASSERT_EQ(write_plan_dxf(model, dir.file("p.dxf"), error), 0);
     auto lines = read_dxf(dir.file("p.dxf")).of_kind("POLYLINE");
@@ -157,7 +157,7 @@ TEST(body_dxf, writes_every_non_cylinder_as_a_sheet_and_leaves_out_an_unmeshable
     hollow.width.value = 10.0f;
     hollow.length.value = 50.0f;
     hollow.shell_thickness = 8.0f;  // not below the radius: refused
-    scratch_directory dir("body_sheets");
+    scratch_dir dir("body_sheets");
     response_state state;
     std::string error;
     ASSERT_EQ(write_body_dxf(model, state, dir.file("b.dxf"), error), 0);
@@ -175,7 +175,7 @@ TEST(body_dxf, writes_each_cylinder_triangle_with_three_character_codes_to_two_d
     pipe.length.value = 100.0f;
     pipe.top.value = -15.0f;
     pipe.num_sectors = 8;
-    scratch_directory dir("body_cylinder");
+    scratch_dir dir("body_cylinder");
     response_state state;
     std::string error;
     ASSERT_EQ(write_body_dxf(model, state, dir.file("c.dxf"), error), 0);
@@ -221,7 +221,7 @@ TEST(dxf_commands, write_plan_then_3d_and_report_each) {
     };
     for (const auto& r : table) {
         SCOPED_TRACE(r.name);
-        scratch_directory dir("dxf_commands");
+        scratch_dir dir("dxf_commands");
         model_record model = small_model();
         model.num_bodies = r.bodies;
         response_state state;
@@ -232,15 +232,14 @@ TEST(dxf_commands, write_plan_then_3d_and_report_each) {
         EXPECT_EQ(read_dxf(dir.file("plan.dxf")).readable, r.plan_written);
         EXPECT_EQ(ui.file_answers.size(), r.body_written ? 0u : 1u);
         if (r.body_written) {
-            EXPECT_EQ(read_bytes(dir.file("model_3d.dxf")),
-                      read_bytes(reference_dir + "small_3d.dxf"));
+            EXPECT_EQ(read_all(dir.file("model_3d.dxf")), read_all(reference_dir + "small_3d.dxf"));
         }
         EXPECT_EQ(ui.messages, std::vector<std::string>(r.messages, "Output complete"));
     }
 }
 
 TEST(dxf_commands, a_failed_write_is_reported_and_leaves_the_working_directory) {
-    scratch_directory dir("dxf_fail");
+    scratch_dir dir("dxf_fail");
     model_record model = small_model();
     scripted_platform ui;
     const auto before = std::filesystem::current_path();

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "core/model_record.h"
+#include "support/scratch_dir.h"
 #include "test_paths.h"
 
 namespace trensil::testing {
@@ -59,34 +60,10 @@ inline body_record& add_body(model_record& model, int type, const std::string& n
     return b;
 }
 
-// A fresh directory under the build tree for one test's files, removed afterwards.
-class scratch_directory {
-public:
-    explicit scratch_directory(const std::string& name)
-        : path_(std::filesystem::path(TRENSIL_BINARY_DIR) / "test_scratch" /
-                (name + "_" + std::to_string(::getpid()))) {
-        std::filesystem::remove_all(path_);
-        std::filesystem::create_directories(path_);
-    }
-    ~scratch_directory() {
-        std::error_code ec;
-        std::filesystem::remove_all(path_, ec);
-    }
-    std::string file(const std::string& name) const { return (path_ / name).string(); }
-
-private:
-    std::filesystem::path path_;
-};
-
-inline std::string read_bytes(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
 // The lines of a file without their "\r\n" ends.
 inline std::vector<std::string> read_lines(const std::string& path) {
     std::vector<std::string> lines;
-    std::istringstream in(read_bytes(path));
+    std::istringstream in(read_all(path));
     for (std::string line; std::getline(in, line);)
         lines.push_back(line.substr(0, line.find('\r')));
     return lines;

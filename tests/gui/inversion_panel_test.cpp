@@ -1,7 +1,6 @@
 // The inversion panel offscreen, on the synthetic line whose data were computed from its own
 // model: a body moved off its place is inverted back, and the two ways back work.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <QApplication>
 #include <QLabel>
@@ -10,6 +9,7 @@
 #include <QStandardPaths>
 #include <filesystem>
 
+#include "../support/scratch_dir.h"
 #include "gui_application.h"
 #include "modelling_window.h"
 #include "support/memory_settings_store.h"
@@ -27,10 +27,6 @@ protected:
     void SetUp() override {
         application();
         QStandardPaths::setTestModeEnabled(true);
-        folder_ = std::filesystem::temp_directory_path() /
-                  ("trensil_inv_" + std::to_string(::getpid()) + "_" +
-                   ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::create_directories(folder_);
         const std::filesystem::path examples =
             std::filesystem::path(TRENSIL_SOURCE_DIR) / "examples" / "synthetic";
         for (const char* file : {"synthetic_truth.qvx", "synthetic_line.csv"})
@@ -38,10 +34,7 @@ protected:
         old_ = std::filesystem::current_path();
         std::filesystem::current_path(folder_);
     }
-    void TearDown() override {
-        std::filesystem::current_path(old_);
-        std::filesystem::remove_all(folder_);
-    }
+    void TearDown() override { std::filesystem::current_path(old_); }
 
     template <class T>
     T* child(modelling_window& window, const char* name) {
@@ -53,7 +46,9 @@ protected:
         return std::stod(window.text("Text_MAGINV_misfit_" + std::to_string(item)));
     }
 
-    std::filesystem::path folder_, old_;
+    testing::scratch_dir scratch_{std::string("gui_inversion_") +
+                                  ::testing::UnitTest::GetInstance()->current_test_info()->name()};
+    std::filesystem::path folder_ = scratch_.path(), old_;
     scripted_platform ui_;
     memory_settings_store settings_;
 };

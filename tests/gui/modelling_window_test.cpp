@@ -8,6 +8,7 @@
 #include <QStandardPaths>
 #include <filesystem>
 
+#include "../support/scratch_dir.h"
 #include "../workspace/workspace_files.h"
 #include "gui_application.h"
 #include "modelling_window.h"
@@ -22,14 +23,11 @@ protected:
     void SetUp() override {
         application();
         QStandardPaths::setTestModeEnabled(true);
-        folder_ = std::filesystem::temp_directory_path() /
-                  (std::string("trensil_gui_") +
-                   ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        model_path_ = testing_files::write_example_model(folder_);
+        model_path_ = testing_files::write_example_model(scratch_.path());
     }
-    void TearDown() override { std::filesystem::remove_all(folder_); }
 
-    std::filesystem::path folder_;
+    testing::scratch_dir scratch_{std::string("gui_window_") +
+                                  ::testing::UnitTest::GetInstance()->current_test_info()->name()};
     std::string model_path_;
     scripted_platform ui_;
     memory_settings_store settings_;
@@ -117,7 +115,7 @@ TEST_F(window_test, settings_written_at_close_come_back) {
 TEST_F(window_test, unreadable_model_leaves_an_empty_usable_window) {
     modelling_window window(ui_, settings_);
     window.show();
-    EXPECT_EQ(open_model_file(window.workspace(), (folder_ / "missing.qvx").string()), -1);
+    EXPECT_EQ(open_model_file(window.workspace(), (scratch_.path() / "missing.qvx").string()), -1);
     ASSERT_EQ(ui_.messages.size(), 1u);
     EXPECT_EQ(ui_.messages[0], "That file does not exist");
     EXPECT_EQ(window.graph(0)->polygon_count(), 0);

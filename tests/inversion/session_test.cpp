@@ -7,6 +7,7 @@
 #include "inversion/inversion_session.h"
 #include "inversion/parameter_vector.h"
 #include "inversion_fakes.h"
+#include "support/scratch_dir.h"
 
 namespace trensil {
 namespace {
@@ -202,9 +203,8 @@ TEST(restore_best, a_new_count_of_free_parameters_ends_the_claim_to_a_best_model
 }
 
 TEST(restore_best, writes_latest_qvx_in_the_current_directory) {
-    const auto dir = std::filesystem::temp_directory_path() / "trensil_inversion_restore";
-    std::filesystem::create_directories(dir);
-    std::filesystem::remove(dir / "latest.qvx");
+    const testing::scratch_dir scratch("inversion_restore");
+    const auto& dir = scratch.path();
     const auto previous = std::filesystem::current_path();
     std::filesystem::current_path(dir);
     {
@@ -220,7 +220,6 @@ TEST(restore_best, writes_latest_qvx_in_the_current_directory) {
     std::string first_line;
     EXPECT_TRUE(std::getline(in, first_line));
     EXPECT_FALSE(first_line.empty());
-    std::filesystem::remove_all(dir);
 }
 
 TEST(data_type_choice, keeps_a_type_the_model_has_data_for) {

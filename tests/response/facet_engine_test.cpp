@@ -1,5 +1,5 @@
 // The facet engine against closed forms of a rectangular prism, its quiet returns, the moves of a
-// station that sits on the line of an edge, and the two-thread split.
+// station that sits on the line of an edge (in every kernel), and the two-thread split.
 #include "response/facet_engine.h"
 
 #include <gtest/gtest.h>
@@ -8,9 +8,13 @@
 #include <array>
 #include <cmath>
 #include <initializer_list>
+#include <utility>
 #include <vector>
 
+#include "core/body_catalogue.h"
 #include "response/facet_closed_forms.h"
+#include "response/magnetic_response.h"
+#include "response_test_model.h"
 
 namespace trensil {
 namespace {
@@ -168,6 +172,52 @@ TEST(facet_engine, station_on_an_edge_line_is_moved_and_retried) {
     facet_response(1, body, p, true, true, 2.0f, 0.0f, 0.0f, 1.0, 0.0, 0.0, 4, wall.vx, wall.vy,
                    wall.vz, wall.ex, wall.ey, wall.ez);
     for (int r = 2; r <= 5; ++r) EXPECT_TRUE(std::isfinite(body.body_response(r, 2))) << r;
+}
+
+// Puts `automatic` back to the widest kernel when a test that chose another one ends.
+struct automatic_kernel_reset {
+    ~automatic_kernel_reset() { choose_automatic_facet_kernel(facet_block_isa::automatic); }
+};
+
+TEST(facet_engine_regression, tenth_move_off_an_edge_line_carries_on_from_the_moved_station) {
+    // A line running east, 101 stations 10 m apart at elevation 100; a vertical thick sheet
+    // 100 m wide whose strike-limited end lies under the line. Stations 51 and 61 stand above the
+    // sheet's two vertical end edges: rising never takes them off those lines, so the tenth try
+    // integrates the edge as it stands and the face's later edges are taken from the moved
+    // station. Taking them from the unmoved one gave 274.2639 and 274.2640 nT. The same in the
+    // one-station path and in every block kernel the processor runs.
+    automatic_kernel_reset reset;
+    const std::pair<facet_block_isa, const char*> kernels[] = {
+        {facet_block_isa::scalar, "scalar"},
+        {facet_block_isa::portable, "portable"},
+        {facet_block_isa::avx2, "avx2"},
+        {facet_block_isa::avx512, "avx512"}};
+    for (const auto& [isa, name] : kernels) {
+        if (!facet_block_isa_available(isa)) continue;
+        SCOPED_TRACE(name);
+        choose_automatic_facet_kernel(isa);
+        scripted_platform ui;
+        response_state state = testing_support::state_for(ui);
+        model_record model = testing_support::line_model(101, 0.0, 0.0, 10.0, 0.0, 100.0, 1);
+        model.mag_intensity = 50000.0f;
+        model.mag_inclination = 60.0f;
+        model.mag_declination = 0.0f;
+        body_record& b = model.body(1);
+        b.type = thick_sheet;
+        b.distance.value = 500.0f;
+        b.top.value = 50.0f;
+        b.strike.value = 0.0f;
+        b.dip.value = 90.0f;
+        b.width.value = 100.0f;
+        b.depth_extent.value = 200.0f;
+        b.length.value = 400.0f;
+        b.offset.value = 200.0f;
+        b.susc.value = 50000.0f;
+        calculate_mag_response(model, state, 1);
+        ASSERT_TRUE(ui.messages.empty());
+        EXPECT_NEAR(b.body_response(total_field_row, 51), 273.1391, 1e-4);
+        EXPECT_NEAR(b.body_response(total_field_row, 61), 273.0197, 1e-4);
+    }
 }
 
 TEST(facet_engine, corner_angle_is_signed_and_complementary) {

@@ -1,4 +1,8 @@
-// A fresh directory under the build tree for one test, removed again at the end.
+// A fresh directory under the build tree for one test, removed again at the end, so that no test
+// leaves files behind or meets another run's (the system's temporary folder is not used).
+//
+//   testing::scratch_dir dir("bitmap");
+//   write_all(dir.file("in.csv"), "1,2\n");
 #pragma once
 
 #include <unistd.h>
@@ -33,6 +37,13 @@ public:
 private:
     std::filesystem::path path_;
 };
+
+// This process's own scratch directory, made on first use and removed with everything in it
+// when the process exits: for programs that write files run after run, such as the fuzz targets.
+inline const scratch_dir& process_scratch_dir() {
+    static const scratch_dir dir("process");
+    return dir;
+}
 
 inline std::string read_all(const std::string& path) {
     std::ifstream in(path, std::ios::binary);

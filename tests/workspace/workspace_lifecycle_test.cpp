@@ -1,11 +1,17 @@
 #include <gtest/gtest.h>
-#include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 
 #include "fake_modelling_view.h"
+#include "io/profile_data_export.h"
 #include "support/memory_settings_store.h"
+#include "support/number_format.h"
+#include "support/scratch_dir.h"
 #include "support/scripted_platform.h"
+#include "support/text_tokens.h"
 #include "workspace/modelling_workspace.h"
 #include "workspace/recording_graph_control.h"
 #include "workspace_files.h"
@@ -39,18 +45,13 @@ struct workspace_fixture {
 class workspace_test : public ::testing::Test {
 protected:
     void SetUp() override {
-        folder_ = std::filesystem::temp_directory_path() /
-                  ("trensil_ws_" + std::to_string(::getpid()) + "_" +
-                   ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::create_directories(folder_);
         old_ = std::filesystem::current_path();
         std::filesystem::current_path(folder_);
     }
-    void TearDown() override {
-        std::filesystem::current_path(old_);
-        std::filesystem::remove_all(folder_);
-    }
-    std::filesystem::path folder_, old_;
+    void TearDown() override { std::filesystem::current_path(old_); }
+    testing::scratch_dir scratch_{std::string("ws_") +
+                                  ::testing::UnitTest::GetInstance()->current_test_info()->name()};
+    std::filesystem::path folder_ = scratch_.path(), old_;
     workspace_fixture f;
 };
 
@@ -200,6 +201,71 @@ TEST_F(workspace_test, opened_model_is_drawn_zoomed_panned_and_shown_in_plan) {
     EXPECT_TRUE(f.ws.plan_shown);
     EXPECT_EQ(f.plan.polygons().size(), 2u);
     EXPECT_EQ(f.view.text("Command_show_section_or_plan"), "Show Section View");
+}
+
+// The fields of line `index` (0 the first) of a csv text, trimmed.
+std::vector<std::string> csv_line(const std::string& text, int index) {
+    std::istringstream in(text);
+    std::string line;
+    for (int i = 0; i <= index; ++i) std::getline(in, line);
+    std::vector<std::string> fields;
+    std::istringstream parts(line);
+    for (std::string f; std::getline(parts, f, ',');) fields.push_back(trim_text(f));
+    return fields;
+}
+
+TEST_F(workspace_test, batch_tool_writes_the_windows_profile_export_of_a_total_gradient_model) {
+    // The synthetic line with magnetic and gravity data; its model file asks for the total
+    // gradient (the fourth value of its fourth line).
+    const auto examples = std::filesystem::path(TRENSIL_SOURCE_DIR) / "examples" / "synthetic";
+    std::filesystem::copy_file(examples / "synthetic_line.csv", folder_ / "synthetic_line.csv");
+    std::string text = testing::read_all((examples / "synthetic_truth.qvx").string());
+    const std::size_t line4 = text.find(" 0  11  1  0 ");
+    ASSERT_NE(line4, std::string::npos);
+    text.replace(line4, 13, " 0  11  1  1 ");
+    const std::string model = (folder_ / "line.qvx").string();
+    testing::write_all(model, text);
+
+    form_load(f.ws);
+    ASSERT_EQ(open_model_file(f.ws, model), 0) << (f.ui.messages.empty() ? "" : f.ui.messages[0]);
+    EXPECT_TRUE(f.view.checked("Check_display_total_gradient"));
+    EXPECT_EQ(f.controls[1].title, "Calculated Total Gradient");
+    const std::string window_csv = (folder_ / "window.csv").string();
+    f.ui.file_answers.push_back(window_csv);
+    ASSERT_EQ(export_profile_data(f.ws.model, f.ui), 0);
+    const std::string window = testing::read_all(window_csv);
+
+    const std::string cli = std::string(TRENSIL_BINARY_DIR) + "/bin/trensil-cli";
+    const auto run = [&](const std::string& arguments) {
+        return std::system(("'" + cli + "' " + arguments + " >cli.out 2>&1").c_str());
+    };
+    ASSERT_EQ(run("compute line.qvx -o batch.csv"), 0) << testing::read_all("cli.out");
+    EXPECT_EQ(testing::read_all("batch.csv"), window);
+
+    // The magnetic block carries the total gradient, the gravity block the vertical gradient
+    // under its "_TG" heading.
+    const std::vector<std::string> head = csv_line(window, 1);
+    ASSERT_EQ(head.size(), 17u);
+    EXPECT_EQ(head[10], "TMI_Mod_TG");
+    EXPECT_EQ(head[16], "Grav_Mod_TG");
+    const profile_block& p = f.ws.model.profile;
+    const std::vector<std::string> station = csv_line(window, 2 + 200);
+    EXPECT_EQ(station[10], format_fixed(p.mag_channels(computed_total_gradient, 201), 4));
+    EXPECT_NE(p.mag_channels(computed_total_gradient, 201),
+              p.mag_channels(computed_vertical_gradient, 201));
+    EXPECT_EQ(station[16], format_fixed(p.grav_channels(computed_vertical_gradient, 201), 4));
+
+    // An inversion's csv derives the same observed rows (the computed ones move with the fit).
+    ASSERT_EQ(run("invert line.qvx --body 1 --iterations 1 -o fit.qvx --csv fit.csv"), 0)
+        << testing::read_all("cli.out");
+    const std::string fitted = testing::read_all("fit.csv");
+    EXPECT_EQ(csv_line(fitted, 1), head);
+    for (int line : {2, 202, 402}) {
+        std::vector<std::string> a = csv_line(fitted, line), b = csv_line(window, line);
+        ASSERT_EQ(a.size(), 17u);
+        for (int computed : {8, 9, 10, 14, 15, 16}) a[computed] = b[computed] = "";
+        EXPECT_EQ(a, b) << "line " << line;
+    }
 }
 
 }  // namespace
