@@ -19,8 +19,10 @@
 namespace trensil {
 
 struct inversion_progress {
-    int iteration = 0;              // 0 for the model the run starts from
-    float misfit = 0.0f;            // weight x root of the sum of squares over N
+    int iteration = 0;  // 0 for the model the run starts from
+    // weight x root of the sum of squares over N; a joint fit adds the other data type's
+    // residuals scaled by the ratio of the noise levels
+    float misfit = 0.0f;
     std::vector<float> parameters;  // the value column of the parameter table, rows 1.. in order
 };
 

@@ -119,14 +119,25 @@ void run_inversion(inversion_context& ctx, bool whole_model, int mode, int max_i
     copy_all_channels(p.mag_channels, p.saved_mag_channels);
     copy_all_channels(p.grav_channels, p.saved_grav_channels);
 
-    float F = evaluate_misfit(ctx, p.mag_channels, p.grav_channels, s.current_residual);
+    least_squares_problem problem;
+    float F = least_squares
+                  ? start_least_squares(ctx, problem)
+                  : evaluate_misfit(ctx, p.mag_channels, p.grav_channels, s.current_residual);
+    // A joint fit measures its misfit on both data types: a best misfit of another measure
+    // cannot be compared with it.
+    const joint_measure measure{joint, joint ? s.least_squares.noise_mag : 0.0f,
+                                joint ? s.least_squares.noise_grav : 0.0f};
+    if (!(measure == s.best_measure)) {
+        forget_best_model(s);
+        s.best_measure = measure;
+    }
     // The best model of a first run starts as the model the user came with.
     if (s.best_misfit == undefined_value) keep_as_best(ctx, F);
     ctx.observer->run_started(make_progress(s, 0, F));
 
     s.fit = fit_summary{};
     if (least_squares) {
-        run_least_squares(ctx, max_iterations, F);
+        run_least_squares(ctx, problem, max_iterations, F);
     } else {
         iterate_inversion(ctx, max_iterations, F);
     }

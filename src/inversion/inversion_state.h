@@ -33,6 +33,15 @@ struct least_squares_options {
     float noise_grav = 0.0f;  // mGal (mGal/m when the gradient is fitted)
 };
 
+// What a misfit was measured on: one data type, or both with the given noise levels (0: from
+// the data). Best misfits of different measures cannot be compared.
+struct joint_measure {
+    bool joint = false;
+    float noise_mag = 0.0f;
+    float noise_grav = 0.0f;
+    bool operator==(const joint_measure&) const = default;
+};
+
 // Columns of inversion_parameters.
 enum inversion_column : int {
     column_value = 1,
@@ -66,6 +75,7 @@ struct inversion_state {
 
     // The session.
     float best_misfit = undefined_value;  // -99999: none
+    joint_measure best_measure;           // what best_misfit was measured on
     bool have_best_model = false;
     bool stop_requested = false;
 

@@ -4,7 +4,6 @@
 
 #include "inversion/noise_level.h"
 #include "inversion/parameter_vector.h"
-#include "inversion/solver.h"
 
 namespace trensil {
 
@@ -138,21 +137,27 @@ void move_to_point(inversion_context& ctx, least_squares_problem& problem, const
     }
     profile_block& p = ctx.model.profile;
     problem.residual.assign(static_cast<std::size_t>(problem.data()), 0.0);
+    // The sum of squares in the first channel's units: another channel's residuals count
+    // scaled by the ratio of the noise levels.
+    double sum = 0.0;
     for (std::size_t c = 0; c < problem.channels.size(); ++c) {
         const fit_channel& channel = problem.channels[c];
         channel_residuals(ctx, problem, channel, p.mag_channels, p.grav_channels);
         double* out = problem.residual.data() + c * static_cast<std::size_t>(problem.points);
-        for (int i = 1; i <= problem.points; ++i)
-            out[i - 1] = problem.channel_residual(i) / channel.noise;
+        const double to_first = c == 0 ? 1.0 : problem.channels[0].noise / channel.noise;
+        for (int i = 1; i <= problem.points; ++i) {
+            const double r = problem.channel_residual(i);
+            out[i - 1] = r / channel.noise;
+            sum += (r * to_first) * (r * to_first);
+        }
         if (c == 0) {
             for (int i = 1; i <= problem.points; ++i)
                 s.current_residual(i) = problem.channel_residual(i);
-            const double per_point =
-                static_cast<double>(residual_norm(problem.points, s.current_residual)) /
-                problem.points;
-            problem.misfit = static_cast<float>(s.misfit_weight * per_point);
         }
     }
+    const double per_point =
+        static_cast<double>(static_cast<float>(std::sqrt(sum))) / problem.points;
+    problem.misfit = static_cast<float>(s.misfit_weight * per_point);
     problem.point = std::move(target);
     ++problem.forward_evaluations;
     ++s.misfit_evaluations;

@@ -34,7 +34,9 @@ struct least_squares_problem {
     // The parameter values the bodies hold and the main channel arrays were computed for.
     std::vector<float> point;
     std::vector<double> residual;  // (computed - observed) / noise, channel after channel
-    float misfit = 0.0f;           // the program's misfit of the first channel at `point`
+    // The program's misfit at `point`: weight x root of the sum of squares over N, in the
+    // first channel's units (the other's residuals scaled by the ratio of the noise levels).
+    float misfit = 0.0f;
 
     // The weighted Jacobian at jacobian_point: data() rows by parameters columns, column after
     // column.

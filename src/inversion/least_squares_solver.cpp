@@ -26,7 +26,7 @@ constexpr double step_tolerance = 1e-6;
 // Everything the residual blocks and callbacks share.
 struct fit_run {
     inversion_context& ctx;
-    least_squares_problem problem;
+    least_squares_problem& problem;
     std::vector<double> x;  // the parameter block Ceres moves
 };
 
@@ -118,11 +118,21 @@ std::string stop_reason(const ceres::Solver::Summary& summary) {
 
 }  // namespace
 
-void run_least_squares(inversion_context& ctx, int max_iterations, float& F) {
+float start_least_squares(inversion_context& ctx, least_squares_problem& problem) {
+    inversion_state& s = ctx.state;
+    problem = prepare_least_squares(ctx, s.least_squares);
+    std::vector<double> x;
+    for (int k = 1; k <= s.inversion_parameter_count; ++k)
+        x.push_back(s.inversion_parameters(k, column_value));
+    move_to_point(ctx, problem, x.data());
+    return problem.misfit;
+}
+
+void run_least_squares(inversion_context& ctx, least_squares_problem& problem, int max_iterations,
+                       float& F) {
     inversion_state& s = ctx.state;
     const int n = s.inversion_parameter_count;
-    fit_run run{ctx, prepare_least_squares(ctx, s.least_squares), {}};
-    least_squares_problem& problem = run.problem;
+    fit_run run{ctx, problem, {}};
 
     // The start, held inside the limits.
     run.x.resize(static_cast<std::size_t>(n));

@@ -371,6 +371,24 @@ TEST(least_squares_session, stop_reject_and_restore_work_as_after_the_coordinate
     EXPECT_EQ(line.model.body(1).distance.value, fitted);
 }
 
+// A joint misfit counts both data types, so a best model of a one-type run is forgotten when
+// a joint run starts, and the joint run's own start becomes the best to beat.
+TEST(least_squares_session, a_joint_fit_keeps_its_own_best_model) {
+    recovery_run run(101, synthetic_line::both, dipping_sheet_truth, dipping_sheet_start);
+    synthetic_line& line = run.line;
+    float initial = 0.0f;
+    line.invert(inversion_mode_magnetics, initial, 2);
+    const float one_type_best = line.state.best_misfit;
+    line.state.least_squares.joint = true;
+    line.model.body(1).distance.value = 560.0f;
+    const float joint = line.invert(inversion_mode_magnetics, initial);
+    ASSERT_EQ(line.status, 1);
+    EXPECT_NE(line.state.best_misfit, one_type_best);
+    EXPECT_EQ(line.state.best_misfit, joint);
+    EXPECT_GT(initial, joint);
+    EXPECT_TRUE(line.state.best_measure.joint);
+}
+
 TEST(least_squares_session, a_joint_fit_without_gravity_data_is_refused) {
     synthetic_line line(41, 2, synthetic_line::magnetics);
     line.state.solver = inversion_solver::damped_least_squares;
