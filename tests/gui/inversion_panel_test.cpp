@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -93,6 +95,41 @@ TEST_F(inversion_panel_test, whole_model_run_lowers_misfit_and_both_ways_back_wo
     EXPECT_EQ(window.text("Text_MAGINV_misfit_1"),
               format_fixed(-99999.0 / ws.model.profile.num_stations, 4));
     EXPECT_FALSE(restore->isEnabled());
+    EXPECT_TRUE(ui_.messages.empty());
+}
+
+// The least squares chosen on the panel, jointly on both data types: the run lowers the misfit,
+// its findings appear below the buttons, and Reject Changes takes both the values and the
+// findings back.
+TEST_F(inversion_panel_test, least_squares_run_shows_its_errors_until_the_changes_are_rejected) {
+    modelling_window window(ui_, settings_);
+    window.show();
+    modelling_workspace& ws = window.workspace();
+    ASSERT_EQ(open_model_file(ws, (folder_ / "synthetic_truth.qvx").string()), 0);
+    auto* joint = child<QCheckBox>(window, "Check_joint_fit");
+    EXPECT_FALSE(joint->isEnabled());
+    window.select_item("Combo_solver", 1);
+    combo_solver_selected(ws);
+    ASSERT_TRUE(joint->isEnabled());
+    joint->setChecked(true);
+
+    const float moved = ws.model.body(1).distance.value + 300.0f;
+    ws.model.body(1).distance.value = moved;
+    clear_body_results(ws.model);
+    display_model(ws, 1);
+    window.set_text("Text_max_iterations", "4");
+    child<QPushButton>(window, "Command_invert_1")->click();
+    EXPECT_LT(misfit(window, 1), misfit(window, 0));
+    EXPECT_EQ(window.text("Label_status"), "Inversion succeeded");
+    ASSERT_TRUE(window.visible("Text_fit_summary"));
+    const std::string summary = window.text("Text_fit_summary");
+    EXPECT_NE(summary.find("gravity noise level "), std::string::npos) << summary;
+    EXPECT_NE(summary.find("\nbody 1 Distance "), std::string::npos) << summary;
+    EXPECT_NE(summary.find("body 1 Dens "), std::string::npos) << summary;
+
+    child<QPushButton>(window, "Command_reject_changes")->click();
+    EXPECT_EQ(ws.model.body(1).distance.value, moved);
+    EXPECT_FALSE(window.visible("Text_fit_summary"));
     EXPECT_TRUE(ui_.messages.empty());
 }
 
