@@ -73,17 +73,20 @@ struct engine_marks {
 };
 
 // The value a column moves parameter k to: a thousandth of the larger of step and value away,
-// toward the side with room inside the limits.
+// toward the side with room inside the limits. A value that cannot move gives no column.
 float difference_value(const inversion_state& s, int k) {
     const double x = s.inversion_parameters(k, column_value);
     const double min = s.inversion_parameters(k, column_min);
     const double max = s.inversion_parameters(k, column_max);
     const double h = difference_fraction *
                      std::fmax(std::fabs(s.inversion_parameters(k, column_step)), std::fabs(x));
-    const bool room_above = !(max > undefined_value) || x + h <= max;
-    const bool room_below = !(min > undefined_value) || x - h >= min;
-    if (room_above || !room_below) return static_cast<float>(x + h);
-    return static_cast<float>(x - h);
+    const double above = max > undefined_value ? max - x : h;
+    const double below = min > undefined_value ? x - min : h;
+    if (above >= h) return static_cast<float>(x + h);
+    if (below >= h) return static_cast<float>(x - h);
+    // Limits closer together than the step: as far as they allow, on the wider side.
+    return static_cast<float>(above >= below ? x + std::fmax(above, 0.0)
+                                             : x - std::fmax(below, 0.0));
 }
 
 }  // namespace
