@@ -47,6 +47,18 @@ protected:
     double misfit(modelling_window& window, int item) {
         return std::stod(window.text("Text_MAGINV_misfit_" + std::to_string(item)));
     }
+    // Body 1 moved 300 m along the line, so that the data no longer fit, then an inversion of
+    // the whole model of four iterations. Returns where body 1 was moved to.
+    float move_body_and_invert(modelling_window& window) {
+        modelling_workspace& ws = window.workspace();
+        const float moved = ws.model.body(1).distance.value + 300.0f;
+        ws.model.body(1).distance.value = moved;
+        clear_body_results(ws.model);
+        display_model(ws, 1);
+        window.set_text("Text_max_iterations", "4");
+        child<QPushButton>(window, "Command_invert_1")->click();
+        return moved;
+    }
 
     testing::scratch_dir scratch_{std::string("gui_inversion_") +
                                   ::testing::UnitTest::GetInstance()->current_test_info()->name()};
@@ -62,14 +74,7 @@ TEST_F(inversion_panel_test, whole_model_run_lowers_misfit_and_both_ways_back_wo
     ASSERT_EQ(open_model_file(ws, (folder_ / "synthetic_truth.qvx").string()), 0);
     ASSERT_GE(ws.model.num_bodies, 1);
 
-    // Body 1 moved 300 m along the line: the data no longer fit.
-    const float moved = ws.model.body(1).distance.value + 300.0f;
-    ws.model.body(1).distance.value = moved;
-    clear_body_results(ws.model);
-    display_model(ws, 1);
-
-    window.set_text("Text_max_iterations", "4");
-    child<QPushButton>(window, "Command_invert_1")->click();
+    const float moved = move_body_and_invert(window);
     EXPECT_LT(misfit(window, 1), misfit(window, 0));
     EXPECT_NE(ws.model.body(1).distance.value, moved);
     EXPECT_EQ(window.text("Label_status"), "Inversion succeeded");
@@ -113,12 +118,7 @@ TEST_F(inversion_panel_test, least_squares_run_shows_its_errors_until_the_change
     ASSERT_TRUE(joint->isEnabled());
     joint->setChecked(true);
 
-    const float moved = ws.model.body(1).distance.value + 300.0f;
-    ws.model.body(1).distance.value = moved;
-    clear_body_results(ws.model);
-    display_model(ws, 1);
-    window.set_text("Text_max_iterations", "4");
-    child<QPushButton>(window, "Command_invert_1")->click();
+    const float moved = move_body_and_invert(window);
     EXPECT_LT(misfit(window, 1), misfit(window, 0));
     EXPECT_EQ(window.text("Label_status"), "Inversion succeeded");
     ASSERT_TRUE(window.visible("Text_fit_summary"));
