@@ -1,6 +1,7 @@
 # make run   installs what is missing, builds, opens the modelling window on the bundled example
 # make test  installs what is missing, builds, runs every test (Release, then sanitizers)
 # make build builds everything into build/bin; make bench runs the benchmarks
+# make example-project remakes the example project's line files and project file
 
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
@@ -8,7 +9,7 @@ JOBS       ?= $(shell nproc)
 EXAMPLE    ?= examples/tempest/tempest_line_225401.qvx
 
 .PHONY: all deps configure build build-asan test test-release test-asan check-layers \
-        check-format format run bench clean
+        check-format format run bench clean example-project
 
 all: build
 
@@ -51,6 +52,10 @@ format:
 
 run: build
 	@bash scripts/run-example.sh $(BUILD) $(EXAMPLE)
+
+example-project: configure
+	@cmake --build $(BUILD) -j $(JOBS) --target trensil-cli
+	@bash scripts/make-example-project.sh $(BUILD)
 
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b || exit 1; done

@@ -8,7 +8,7 @@ packages=(
     libgtest-dev libgmock-dev libbenchmark-dev
     clang-format
     qt6-base-dev qt6-base-dev-tools libqt6svg6 libgl1-mesa-dev
-    libgdal-dev
+    libgdal-dev gdal-bin
     libceres-dev libeigen3-dev
     python3 python3-ezdxf
     xvfb xauth imagemagick
