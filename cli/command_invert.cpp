@@ -1,8 +1,12 @@
 // trensil-cli invert: one inversion of a model against its data, as the invert button runs it,
 // with the misfit of every iteration on standard output, the parameters that moved, and the
-// fitted model written to a new file. Ctrl-C asks the run to stop at the end of the iteration
-// under way, as the Stop button does. --iterations is read as the "Max Iterations" box reads its
-// text: empty or not a number runs 25, the number rounds to a whole one, at least 1.
+// fitted model written to a new file. --solver lm runs the damped least squares instead of the
+// coordinate descent, and prints each parameter's standard error and the strongest
+// correlations; --joint fits magnetics and gravity together, --robust with the Huber loss,
+// --noise-mag and --noise-grav set the noise levels (otherwise taken from the data's scatter).
+// Ctrl-C asks the run to stop at the end of the iteration under way, as the Stop button does.
+// --iterations is read as the "Max Iterations" box reads its text: empty or not a number runs 25,
+// the number rounds to a whole one, at least 1.
 #include <atomic>
 #include <csignal>
 #include <iostream>
@@ -11,8 +15,10 @@
 
 #include "cli_command.h"
 #include "cli_model.h"
+#include "inversion/fit_report.h"
 #include "inversion/inversion_session.h"
 #include "inversion/parameter_vector.h"
+#include "invert_progress.h"
 #include "io/model_file_writer.h"
 #include "io/profile_data_export.h"
 #include "response/channel_setup.h"
@@ -26,7 +32,8 @@ namespace {
 
 constexpr const char* invert_usage =
     "invert MODEL.qvx [--gravity] [--gradient] [--body N | --all] [--iterations N] "
-    "[--first-station K --last-station L] [-o OUT.qvx] [--csv OUT.csv] [--force]";
+    "[--first-station K --last-station L] [--solver coordinate|lm] [--joint] [--robust] "
+    "[--noise-mag NT] [--noise-grav MGAL] [-o OUT.qvx] [--csv OUT.csv] [--force]";
 
 std::atomic<bool> interrupt_requested{false};
 
@@ -48,9 +55,9 @@ public:
     }
 };
 
-// The panel on the console: the typed limit and the data type are held here, the initial misfit
-// and each iteration's misfit are printed as the run shows them, the window's redisplay becomes
-// a recomputation of every channel.
+// The panel on the console: the typed limit, the data type and the status are held here, the
+// window's redisplay becomes a recomputation of every channel. The progress goes to a
+// console_progress instead.
 class console_view : public inversion_view {
 public:
     console_view(model_record& model, response_state& response)
@@ -62,16 +69,6 @@ public:
 
     void set_text(inversion_control c, int item, const std::string& t) override {
         texts[{c, item}] = t;
-        if (t.empty()) return;
-        if (c == inversion_control::Text_MAGINV_misfit && item == 0) {
-            std::cout << "initial misfit " << t << std::endl;
-        } else if (c == inversion_control::Text_num_iterations) {
-            iteration_ = t;
-        } else if (c == inversion_control::Text_MAGINV_misfit && item == 1 && !iteration_.empty()) {
-            std::cout << "iteration " << iteration_ << " misfit " << t << std::endl;
-            final_misfit = t;
-            iteration_.clear();
-        }
     }
     std::string text(inversion_control c, int item) const override {
         const auto it = texts.find({c, item});
@@ -89,12 +86,9 @@ public:
     void display_model(int) override { calculate_display_channels(model_, response_); }
     void set_model_changed() override {}
 
-    std::string final_misfit;
-
 private:
     model_record& model_;
     response_state& response_;
-    std::string iteration_;
 };
 
 struct property_value {
@@ -128,12 +122,44 @@ int usage_failure(const std::string& why) {
     return exit_usage;
 }
 
+// A noise level option: absent leaves `out` at 0 (from the data); false unless a positive number.
+bool noise_option(const cli_arguments& parsed, const std::string& name, float& out) {
+    const std::string text = trim_text(parsed.value(name));
+    if (text.empty()) return true;
+    if (!is_numeric_text(text)) return false;
+    out = static_cast<float>(parse_number(text));
+    return out > 0.0f;
+}
+
+// The solver and its choices from --solver, --joint, --robust, --noise-mag, --noise-grav; "" or
+// why they cannot be used.
+std::string solver_options(const cli_arguments& parsed, inversion_state& state) {
+    const std::string solver = parsed.value("--solver");
+    if (solver == "lm") {
+        state.solver = inversion_solver::damped_least_squares;
+    } else if (!solver.empty() && solver != "coordinate") {
+        return "--solver is coordinate or lm";
+    }
+    least_squares_options& o = state.least_squares;
+    o.joint = parsed.has("--joint");
+    o.robust = parsed.has("--robust");
+    if (!noise_option(parsed, "--noise-mag", o.noise_mag) ||
+        !noise_option(parsed, "--noise-grav", o.noise_grav))
+        return "the noise levels are positive numbers";
+    const bool lm_options = o.joint || o.robust || o.noise_mag > 0.0f || o.noise_grav > 0.0f;
+    if (lm_options && state.solver != inversion_solver::damped_least_squares)
+        return "--joint, --robust and the noise levels go with --solver lm";
+    return "";
+}
+
 int run_invert(const std::vector<std::string>& args) {
     cli_arguments parsed;
     std::string error;
-    if (!parse_cli_arguments(
-            args, {"--body", "--iterations", "--first-station", "--last-station", "-o", "--csv"},
-            {"--gravity", "--gradient", "--all", "--force"}, parsed, error))
+    if (!parse_cli_arguments(args,
+                             {"--body", "--iterations", "--first-station", "--last-station", "-o",
+                              "--csv", "--solver", "--noise-mag", "--noise-grav"},
+                             {"--gravity", "--gradient", "--all", "--force", "--joint", "--robust"},
+                             parsed, error))
         return usage_failure(error);
     if (parsed.positional.size() != 1) return usage_failure("one model file is needed");
     int body = 0, first = 0, last = 0;
@@ -146,6 +172,9 @@ int run_invert(const std::vector<std::string>& args) {
         return usage_failure("give --body N or --all, not both");
     if (parsed.value("--first-station").empty() != parsed.value("--last-station").empty())
         return usage_failure("--first-station and --last-station go together");
+    inversion_state state;
+    if (const std::string why = solver_options(parsed, state); !why.empty())
+        return usage_failure(why);
 
     const std::string model_path = parsed.positional[0];
     std::string out = parsed.value("-o");
@@ -193,12 +222,13 @@ int run_invert(const std::vector<std::string>& args) {
     response.inversion_fits_gradient = parsed.has("--gradient") ? 1 : 0;
     calculate_model_channels(model, response);
 
-    inversion_state state;
     console_view view(model, response);
     view.data_type = parsed.has("--gravity") ? inversion_mode_gravity : inversion_mode_magnetics;
     view.gradient = response.inversion_fits_gradient;
     view.texts[{inversion_control::Text_max_iterations, 0}] = parsed.value("--iterations");
     inversion_context ctx{model, response, state, ui, view};
+    console_progress progress(std::cout);
+    ctx.observer = &progress;
     ui.ctx = &ctx;
 
     const int requested_type = view.data_type;
@@ -218,7 +248,8 @@ int run_invert(const std::vector<std::string>& args) {
         std::cerr << "trensil-cli invert: nothing was inverted; the model is not written\n";
         return exit_failure;
     }
-    std::cout << "final misfit " << view.final_misfit << " after " << state.iterations_done
+    std::cout << "final misfit " << format_fixed(progress.last.misfit, 4) << " after "
+              << state.iterations_done
               << (state.iterations_done == 1 ? " iteration" : " iterations") << "\n";
     const std::vector<property_value> after = all_properties(model);
     for (std::size_t j = 0; j < after.size(); ++j) {
@@ -227,6 +258,9 @@ int run_invert(const std::vector<std::string>& args) {
                   << general_number(before[j].value) << " -> " << general_number(after[j].value)
                   << "\n";
     }
+    for (const std::string& line :
+         fit_report_lines(model, state, response.inversion_fits_gradient == 1))
+        std::cout << line << "\n";
 
     if (!write_model_core(false, out, model, ui)) {
         ui.flush_messages(std::cerr, "trensil-cli invert: ");

@@ -199,8 +199,9 @@ int run_lines(const std::string& command, const std::vector<std::string>& args) 
     int jobs = processor_count();
     // Options of the line commands that take a value, and those that name one output file,
     // which cannot serve every line.
-    const std::set<std::string> valued = {"--body", "--iterations", "--first-station",
-                                          "--last-station"};
+    const std::set<std::string> valued = {"--body",         "--iterations", "--first-station",
+                                          "--last-station", "--solver",     "--noise-mag",
+                                          "--noise-grav"};
     const std::set<std::string> single_file = {"-o", "--csv", "--plan", "--3d", "--data"};
     for (std::size_t i = 0; i < args.size(); ++i) {
         if (single_file.count(args[i])) {

@@ -11,11 +11,13 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "exports/bitmap_file.h"
 #include "io/profile_data_export.h"
@@ -259,10 +261,30 @@ QWidget* modelling_window::build_inversion_panel() {
     type->addItems({"Magnetics", "Gravity"});
     connect(type, &QComboBox::activated, this, [this] { combo_invert_selected(ws_); });
     form->addRow("Data", type);
+    auto* solver = named(new QComboBox, "Combo_solver");
+    solver->addItems({"Coordinate Descent", "Damped Least Squares"});
+    solver->setToolTip(
+        "Damped least squares fits all free parameters at once and reports how "
+        "well each is determined");
+    connect(solver, &QComboBox::activated, this, [this] { combo_solver_selected(ws_); });
+    form->addRow("Solver", solver);
+    // The least squares' own choices, enabled while it is chosen.
+    for (const auto& [name, caption] : {std::pair{"Text_noise_mag", "Noise (nT)"},
+                                        std::pair{"Text_noise_grav", "Noise (mGal)"}}) {
+        QLineEdit* noise = field(form, name, caption);
+        noise->setPlaceholderText("from the data");
+        noise->setEnabled(false);
+    }
     pl->addLayout(form);
     auto* mode = named(new QCheckBox("Invert Vertical Grad"), "Check_inversion_mode");
     connect(mode, &QCheckBox::clicked, this, [this] { check_inversion_mode_clicked(ws_); });
     pl->addWidget(mode);
+    for (const auto& [name, caption] : {std::pair{"Check_joint_fit", "Joint Magnetics and Gravity"},
+                                        std::pair{"Check_robust_fit", "Robust (Huber) Loss"}}) {
+        auto* check = named(new QCheckBox(caption), name);
+        check->setEnabled(false);
+        pl->addWidget(check);
+    }
 
     auto* invert = new QHBoxLayout;
     for (int item = 0; item <= 1; ++item) {
@@ -302,6 +324,15 @@ QWidget* modelling_window::build_inversion_panel() {
     auto* status = named(new QLabel, "Label_status");
     status->hide();
     pl->addWidget(status);
+    // A least-squares run's findings: a box of its own height that scrolls, so that a model of
+    // many free parameters does not stretch the panel.
+    auto* summary = named(new QPlainTextEdit, "Text_fit_summary");
+    summary->setReadOnly(true);
+    summary->setLineWrapMode(QPlainTextEdit::NoWrap);
+    summary->setMinimumHeight(80);
+    summary->setMaximumHeight(160);
+    summary->hide();
+    pl->addWidget(summary);
     return panel;
 }
 
@@ -508,6 +539,8 @@ void modelling_window::set_text(const std::string& name, const std::string& text
         e->setText(q(text));
     else if (auto* l = qobject_cast<QLabel*>(c))
         l->setText(q(text));
+    else if (auto* p = qobject_cast<QPlainTextEdit*>(c))
+        p->setPlainText(q(text));
     else if (auto* b = qobject_cast<QAbstractButton*>(c))
         b->setText(q(text));
     else if (auto* a = qobject_cast<QAction*>(c))
@@ -518,6 +551,7 @@ std::string modelling_window::text(const std::string& name) const {
     QObject* c = control(name);
     if (auto* e = qobject_cast<QLineEdit*>(c)) return e->text().toStdString();
     if (auto* l = qobject_cast<QLabel*>(c)) return l->text().toStdString();
+    if (auto* p = qobject_cast<QPlainTextEdit*>(c)) return p->toPlainText().toStdString();
     if (auto* b = qobject_cast<QAbstractButton*>(c)) return b->text().toStdString();
     if (auto* a = qobject_cast<QAction*>(c)) return a->text().toStdString();
     if (auto* cb = qobject_cast<QComboBox*>(c)) return cb->currentText().toStdString();

@@ -9,6 +9,7 @@ packages=(
     clang-format
     qt6-base-dev qt6-base-dev-tools libqt6svg6 libgl1-mesa-dev
     libgdal-dev gdal-bin
+    libceres-dev libeigen3-dev
     python3 python3-ezdxf
     xvfb xauth xdotool imagemagick
     gmt gmt-dcw gmt-gshhg-low

@@ -1,8 +1,10 @@
 // Everything an inversion works on, passed by reference to the solver and the session: the
-// model, the response engine's state, the inversion's own state, the platform and the panel, and
+// model, the response engine's state, the inversion's own state, the platform and the panel, the
+// observer its progress goes to (the panel's own formatting unless the caller sets another), and
 // the two outside routines it calls (the forward response and the model file writer).
 //
 //   inversion_context ctx{model, response, state, ui, view};
+//   ctx.observer = &printer;                      // optional: progress as numbers elsewhere
 //   int status = 0;
 //   float misfit = 0;
 //   run_inversion(ctx, true, inversion_mode_magnetics, 25, current_body, misfit, status);
@@ -12,6 +14,7 @@
 #include <string>
 
 #include "core/model_record.h"
+#include "inversion/inversion_observer.h"
 #include "inversion/inversion_state.h"
 #include "inversion/inversion_view.h"
 #include "response/response_state.h"
@@ -39,14 +42,21 @@ struct inversion_context {
           state(s),
           ui(p),
           view(v),
+          panel(v),
+          observer(&panel),
           recalculate(engine_response()),
           write_model(file_model_writer(p)) {}
+    // The observer points into the context itself.
+    inversion_context(const inversion_context&) = delete;
+    inversion_context& operator=(const inversion_context&) = delete;
 
     model_record& model;
     response_state& response;
     inversion_state& state;
     platform& ui;
     inversion_view& view;
+    panel_progress panel;
+    inversion_observer* observer;
     response_function recalculate;
     model_writer_function write_model;
 };

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "inversion/least_squares_solver.h"
 #include "inversion/parameter_vector.h"
 #include "inversion/solver.h"
 #include "support/number_format.h"
@@ -21,6 +22,12 @@ void empty_misfit_boxes(inversion_view& view) {
 void disable_way_back(inversion_view& view) {
     view.set_enabled(ic::Command_restore_best, false);
     view.set_enabled(ic::Command_reject_changes, false);
+}
+
+// The errors of the last least-squares run no longer describe the model shown.
+void forget_fit(inversion_context& ctx) {
+    ctx.state.fit = fit_summary{};
+    ctx.view.show_fit_summary(ctx.state);
 }
 
 // Records the current value column as the best model with misfit F.
@@ -64,11 +71,20 @@ void run_inversion(inversion_context& ctx, bool whole_model, int mode, int max_i
     }
 
     ctx.response.inversion_uses_gravity = mode;
+    const bool least_squares = s.solver == inversion_solver::damped_least_squares;
+    const bool joint = least_squares && s.least_squares.joint;
+    if (joint && (model.magpos < 1 || model.gravpos < 1)) {
+        ctx.ui.show_message("A joint fit needs both magnetic and gravity data");
+        status = 0;
+        return;
+    }
+    // A joint fit frees the properties of both data types.
+    const int collect_mode = joint ? inversion_mode_joint : mode;
     int count = 0;
     if (whole_model) {
-        collect_all_parameters(model, s, false, mode, count);
+        collect_all_parameters(model, s, false, collect_mode, count);
     } else {
-        collect_body_parameters(model, s, false, mode, current_body, count);
+        collect_body_parameters(model, s, false, collect_mode, current_body, count);
     }
     if (count == 0) {
         ctx.ui.show_message("There are no parameters free to invert on");
@@ -92,9 +108,9 @@ void run_inversion(inversion_context& ctx, bool whole_model, int mode, int max_i
     ctx.ui.process_events();
     int filled = 0;
     if (whole_model) {
-        collect_all_parameters(model, s, true, mode, filled);
+        collect_all_parameters(model, s, true, collect_mode, filled);
     } else {
-        collect_body_parameters(model, s, true, mode, current_body, filled);
+        collect_body_parameters(model, s, true, collect_mode, current_body, filled);
     }
     for (int k = 1; k <= count; ++k)
         s.start_parameters(k) = s.inversion_parameters(k, column_value);
@@ -103,12 +119,28 @@ void run_inversion(inversion_context& ctx, bool whole_model, int mode, int max_i
     copy_all_channels(p.mag_channels, p.saved_mag_channels);
     copy_all_channels(p.grav_channels, p.saved_grav_channels);
 
-    float F = evaluate_misfit(ctx, p.mag_channels, p.grav_channels, s.current_residual);
+    least_squares_problem problem;
+    float F = least_squares
+                  ? start_least_squares(ctx, problem)
+                  : evaluate_misfit(ctx, p.mag_channels, p.grav_channels, s.current_residual);
+    // A joint fit measures its misfit on both data types: a best misfit of another measure
+    // cannot be compared with it.
+    const joint_measure measure{joint, joint ? s.least_squares.noise_mag : 0.0f,
+                                joint ? s.least_squares.noise_grav : 0.0f};
+    if (!(measure == s.best_measure)) {
+        forget_best_model(s);
+        s.best_measure = measure;
+    }
     // The best model of a first run starts as the model the user came with.
     if (s.best_misfit == undefined_value) keep_as_best(ctx, F);
-    ctx.view.set_text(ic::Text_MAGINV_misfit, 0, format_fixed(F, 4));
+    ctx.observer->run_started(make_progress(s, 0, F));
 
-    iterate_inversion(ctx, max_iterations, F);
+    s.fit = fit_summary{};
+    if (least_squares) {
+        run_least_squares(ctx, problem, max_iterations, F);
+    } else {
+        iterate_inversion(ctx, max_iterations, F);
+    }
     misfit = F;
 
     if (F < s.best_misfit) keep_as_best(ctx, F);
@@ -179,6 +211,7 @@ void on_invert_click(inversion_context& ctx, int item, int current_body) {
 
     ctx.ui.process_events();
     view.display_body_parameters();
+    view.show_fit_summary(s);
     clear_body_results(ctx.model);
     view.display_model(1);
 }
@@ -189,6 +222,7 @@ void on_reject_changes(inversion_context& ctx) {
         s.inversion_parameters(k, column_value) = s.start_parameters(k);
     empty_misfit_boxes(ctx.view);
     disable_way_back(ctx.view);
+    forget_fit(ctx);
     s.best_misfit = undefined_value;
     float proximity = 0.0f;
     apply_all_parameters(ctx.model, s, proximity);
@@ -199,6 +233,7 @@ void on_reject_changes(inversion_context& ctx) {
 void on_restore_best(inversion_context& ctx) {
     inversion_state& s = ctx.state;
     empty_misfit_boxes(ctx.view);
+    forget_fit(ctx);
     if (s.best_misfit > undefined_value && s.have_best_model) {
         disable_way_back(ctx.view);
         s.best_misfit = undefined_value;
@@ -229,6 +264,7 @@ void on_inversion_mode_click(inversion_context& ctx) {
     ctx.response.inversion_fits_gradient = ctx.view.check_value(ic::Check_inversion_mode);
     empty_misfit_boxes(ctx.view);
     disable_way_back(ctx.view);
+    forget_fit(ctx);
     ctx.state.best_misfit = undefined_value;
 }
 
@@ -247,6 +283,7 @@ void on_toggle_invert_panel(inversion_context& ctx) {
     ctx.state.stop_requested = false;
     empty_misfit_boxes(view);
     disable_way_back(view);
+    forget_fit(ctx);
     ctx.state.best_misfit = undefined_value;
 }
 

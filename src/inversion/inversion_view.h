@@ -10,6 +10,8 @@
 
 namespace trensil {
 
+struct inversion_state;
+
 // The panel's controls by their names in the window.
 enum class inversion_control {
     Text_max_iterations,
@@ -50,6 +52,10 @@ public:
     virtual void display_body_parameters() = 0;
     virtual void display_model(int mode) = 0;
     virtual void set_model_changed() = 0;
+
+    // The standard errors and strongest correlations of the last least-squares run
+    // (state.fit) beside the parameter values; a summary that is not available clears them.
+    virtual void show_fit_summary(const inversion_state&) {}
 };
 
 }  // namespace trensil

@@ -96,7 +96,7 @@ int free_rows(const body_record& body, int mode, int (&rows)[15]) {
     };
     const bool not_cylinder = body.type != 16;
     const bool thick_sheet = body.type == 2;
-    const bool magnetics = mode == inversion_mode_magnetics;
+    const bool magnetics = mode == inversion_mode_magnetics || mode == inversion_mode_joint;
     take(row_distance, true);
     take(row_top, true);
     take(row_strike, true);
@@ -107,7 +107,7 @@ int free_rows(const body_record& body, int mode, int (&rows)[15]) {
     take(row_depth_extent, body.depth_extent.value > 0.0f && not_cylinder);
     take(row_length, body.length.value > 0.0f && thick_sheet);
     take(row_offset, body.offset.value > 0.0f && thick_sheet);
-    take(row_density, mode == inversion_mode_gravity);
+    take(row_density, mode == inversion_mode_gravity || mode == inversion_mode_joint);
     take(row_susc, magnetics);
     // susc and rem_q exclude each other: with both marked only susc moves.
     take(row_rem_q, magnetics && !marked_free(body.susc));
@@ -116,7 +116,51 @@ int free_rows(const body_record& body, int mode, int (&rows)[15]) {
     return count;
 }
 
+// The geometry: position, pose and size of the body.
+bool geometry_row(int row) {
+    switch (row) {
+        case row_distance:
+        case row_top:
+        case row_strike:
+        case row_dip:
+        case row_plunge:
+        case row_slope:
+        case row_width:
+        case row_depth_extent:
+        case row_length:
+        case row_offset:
+            return true;
+        default:
+            return false;
+    }
+}
+
 }  // namespace
+
+bool parameter_moves_magnetics(int row) {
+    return geometry_row(row) || row == row_susc || row == row_rem_q || row == row_rem_i ||
+           row == row_rem_d;
+}
+
+bool parameter_moves_gravity(int row) {
+    return geometry_row(row) || row == row_density;
+}
+
+bool parameter_moves_magnetisation(int row) {
+    switch (row) {
+        case row_strike:
+        case row_dip:
+        case row_plunge:
+        case row_slope:
+        case row_susc:
+        case row_rem_q:
+        case row_rem_i:
+        case row_rem_d:
+            return true;
+        default:
+            return false;
+    }
+}
 
 parameter* property_by_row(body_record& body, int row) {
     switch (row) {
@@ -299,37 +343,9 @@ void apply_parameter(model_record& model, const inversion_state& state, int k, f
     const float value = state.inversion_parameters(k, column_value);
     if (p->value == value) return;
 
-    switch (row) {
-        case row_distance:
-        case row_top:
-        case row_width:
-        case row_depth_extent:
-        case row_length:
-        case row_offset:
-            body.mag_valid = 0;
-            body.grav_valid = 0;
-            break;
-        case row_strike:
-        case row_dip:
-        case row_plunge:
-        case row_slope:
-            body.mag_valid = 0;
-            body.grav_valid = 0;
-            body.magnetisation = -1.0f;
-            break;
-        case row_susc:
-        case row_rem_q:
-        case row_rem_i:
-        case row_rem_d:
-            body.mag_valid = 0;
-            body.magnetisation = -1.0f;
-            break;
-        case row_density:
-            body.grav_valid = 0;
-            break;
-        default:
-            break;
-    }
+    if (parameter_moves_magnetics(row)) body.mag_valid = 0;
+    if (parameter_moves_gravity(row)) body.grav_valid = 0;
+    if (parameter_moves_magnetisation(row)) body.magnetisation = -1.0f;
     p->value = value;
     proximity = parameter_proximity(value, state.inversion_parameters(k, column_min),
                                     state.inversion_parameters(k, column_max),

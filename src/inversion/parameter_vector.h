@@ -23,10 +23,18 @@ const parameter* property_by_row(const body_record& body, int row);
 // The body table's label of a property row ("Distance", "Depth Ext", "Rem Q" ...); "" for none.
 const char* property_label(int row);
 
+// Which of a body's cached results a change of property `row` makes stale: the magnetic rows
+// (every property but density), the gravity row (the geometry and density), the field
+// coefficients (the angles, susceptibility and remanence).
+bool parameter_moves_magnetics(int row);
+bool parameter_moves_gravity(int row);
+bool parameter_moves_magnetisation(int row);
+
 // The fixed step size of a property row for its current value.
 float parameter_step(int row, float value);
 
-// With fill false: count := the number of free properties of body `body_index`. With fill true:
+// With fill false: count := the number of free properties of body `body_index` for data type
+// `mode` (inversion_mode_joint takes those of both data types). With fill true:
 // writes a table row and a map row for each of them after the running `count` (rows count + 1
 // onward) and advances count. The table must already hold enough rows.
 void collect_body_parameters(const model_record& model, inversion_state& state, bool fill, int mode,

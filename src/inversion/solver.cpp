@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "inversion/parameter_vector.h"
-#include "support/number_format.h"
 
 namespace trensil {
 
@@ -114,7 +113,6 @@ void iterate_inversion(inversion_context& ctx, int max_iterations, float& F) {
         for (int k = 1; k <= s.inversion_parameter_count; ++k)
             visit_parameter(ctx, k, F, failed_halvings);
         s.iterations_done = iteration;
-        ctx.view.set_text(inversion_control::Text_num_iterations, 0, format_fixed(iteration, 0));
 
         bool finished = iteration == max_iterations || s.stop_requested;
         // An iteration must gain at least one per cent or it is the last one.
@@ -124,13 +122,17 @@ void iterate_inversion(inversion_context& ctx, int max_iterations, float& F) {
         }
         const float main_misfit =
             evaluate_misfit(ctx, p.mag_channels, p.grav_channels, s.current_residual);
-        ctx.view.set_text(inversion_control::Text_MAGINV_misfit, 1, format_fixed(main_misfit, 4));
-        if (finished) return;
+        // The last iteration reports the misfit of the main arrays; one that goes on reports
+        // the accepted misfit after the redraw (they differ only by the drift of a probe).
+        if (finished) {
+            ctx.observer->iteration_done(make_progress(s, iteration, main_misfit));
+            return;
+        }
 
         ctx.view.redraw_inversion_progress();
         ctx.model.channel_valid[3] = -1;
         ctx.model.channel_valid[6] = -1;
-        ctx.view.set_text(inversion_control::Text_MAGINV_misfit, 1, format_fixed(F, 4));
+        ctx.observer->iteration_done(make_progress(s, iteration, F));
         ctx.ui.process_events();
     }
 }

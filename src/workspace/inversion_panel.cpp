@@ -1,5 +1,6 @@
 #include "inversion/inversion_session.h"
 #include "support/number_format.h"
+#include "support/text_tokens.h"
 #include "workspace/modelling_workspace.h"
 #include "workspace/workspace_inversion_view.h"
 
@@ -27,6 +28,24 @@ public:
 private:
     modelling_workspace& ws_;
 };
+
+// The panel's solver choices as the run will use them. A noise level box that is empty or
+// holds no positive number leaves that level to the data's own scatter.
+void read_solver_choices(modelling_workspace& ws) {
+    const modelling_view& view = *ws.view;
+    inversion_state& s = ws.inversion;
+    s.solver = view.selected_item("Combo_solver") == 1 ? inversion_solver::damped_least_squares
+                                                       : inversion_solver::coordinate_descent;
+    s.least_squares.joint = view.checked("Check_joint_fit");
+    s.least_squares.robust = view.checked("Check_robust_fit");
+    const auto level = [&view](const char* control) {
+        const std::string text = trim_text(view.text(control));
+        const double value = is_numeric_text(text) ? parse_number(text) : 0.0;
+        return value > 0.0 ? static_cast<float>(value) : 0.0f;
+    };
+    s.least_squares.noise_mag = level("Text_noise_mag");
+    s.least_squares.noise_grav = level("Text_noise_grav");
+}
 
 }  // namespace
 
@@ -58,8 +77,16 @@ void show_current_body(modelling_workspace& ws) {
     view.set_text("Text_max_triangle_size", general_number(b.max_triangle_size));
 }
 
+void combo_solver_selected(modelling_workspace& ws) {
+    const bool least_squares = ws.view->selected_item("Combo_solver") == 1;
+    for (const char* control :
+         {"Check_joint_fit", "Check_robust_fit", "Text_noise_mag", "Text_noise_grav"})
+        ws.view->set_enabled(control, least_squares);
+}
+
 void command_invert(modelling_workspace& ws, int item) {
     if (ws.inversion_running) return;
+    read_solver_choices(ws);
     running_guard running(ws);
     with_context(ws,
                  [&](inversion_context& ctx) { on_invert_click(ctx, item, inversion_body(ws)); });

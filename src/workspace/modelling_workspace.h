@@ -127,6 +127,9 @@ void command_reject_changes(modelling_workspace& ws);
 void command_restore_best(modelling_workspace& ws);
 void check_inversion_mode_clicked(modelling_workspace& ws);
 void combo_invert_selected(modelling_workspace& ws);
+// Combo_solver: the joint and robust boxes and the noise levels belong to the least squares
+// ("Damped Least Squares") and are enabled only while it is chosen.
+void combo_solver_selected(modelling_workspace& ws);
 
 // --- Display ----------------------------------------------------------------------------------
 

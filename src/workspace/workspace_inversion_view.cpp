@@ -1,5 +1,6 @@
 #include "workspace/workspace_inversion_view.h"
 
+#include "inversion/fit_report.h"
 #include "workspace/modelling_workspace.h"
 
 namespace trensil {
@@ -95,6 +96,18 @@ void workspace_inversion_view::display_model(int mode) {
 
 void workspace_inversion_view::set_model_changed() {
     ws_.model_changed = true;
+}
+
+// The findings of a least-squares run, one a line, in Text_fit_summary below the panel's
+// buttons; hidden when there are none.
+void workspace_inversion_view::show_fit_summary(const inversion_state& state) {
+    std::string text;
+    for (const std::string& line :
+         fit_report_lines(ws_.model, state, ws_.response.inversion_fits_gradient == 1))
+        text += (text.empty() ? "" : "\n") + line;
+    display_guard guard(ws_);
+    ws_.view->set_text("Text_fit_summary", text);
+    ws_.view->set_visible("Text_fit_summary", !text.empty());
 }
 
 }  // namespace trensil

@@ -37,6 +37,7 @@ public:
     void display_body_parameters() override;
     void display_model(int mode) override;
     void set_model_changed() override;
+    void show_fit_summary(const inversion_state& state) override;
 
 private:
     modelling_workspace& ws_;

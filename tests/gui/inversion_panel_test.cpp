@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -45,6 +47,18 @@ protected:
     double misfit(modelling_window& window, int item) {
         return std::stod(window.text("Text_MAGINV_misfit_" + std::to_string(item)));
     }
+    // Body 1 moved 300 m along the line, so that the data no longer fit, then an inversion of
+    // the whole model of four iterations. Returns where body 1 was moved to.
+    float move_body_and_invert(modelling_window& window) {
+        modelling_workspace& ws = window.workspace();
+        const float moved = ws.model.body(1).distance.value + 300.0f;
+        ws.model.body(1).distance.value = moved;
+        clear_body_results(ws.model);
+        display_model(ws, 1);
+        window.set_text("Text_max_iterations", "4");
+        child<QPushButton>(window, "Command_invert_1")->click();
+        return moved;
+    }
 
     testing::scratch_dir scratch_{std::string("gui_inversion_") +
                                   ::testing::UnitTest::GetInstance()->current_test_info()->name()};
@@ -60,14 +74,7 @@ TEST_F(inversion_panel_test, whole_model_run_lowers_misfit_and_both_ways_back_wo
     ASSERT_EQ(open_model_file(ws, (folder_ / "synthetic_truth.qvx").string()), 0);
     ASSERT_GE(ws.model.num_bodies, 1);
 
-    // Body 1 moved 300 m along the line: the data no longer fit.
-    const float moved = ws.model.body(1).distance.value + 300.0f;
-    ws.model.body(1).distance.value = moved;
-    clear_body_results(ws.model);
-    display_model(ws, 1);
-
-    window.set_text("Text_max_iterations", "4");
-    child<QPushButton>(window, "Command_invert_1")->click();
+    const float moved = move_body_and_invert(window);
     EXPECT_LT(misfit(window, 1), misfit(window, 0));
     EXPECT_NE(ws.model.body(1).distance.value, moved);
     EXPECT_EQ(window.text("Label_status"), "Inversion succeeded");
@@ -93,6 +100,36 @@ TEST_F(inversion_panel_test, whole_model_run_lowers_misfit_and_both_ways_back_wo
     EXPECT_EQ(window.text("Text_MAGINV_misfit_1"),
               format_fixed(-99999.0 / ws.model.profile.num_stations, 4));
     EXPECT_FALSE(restore->isEnabled());
+    EXPECT_TRUE(ui_.messages.empty());
+}
+
+// The least squares chosen on the panel, jointly on both data types: the run lowers the misfit,
+// its findings appear below the buttons, and Reject Changes takes both the values and the
+// findings back.
+TEST_F(inversion_panel_test, least_squares_run_shows_its_errors_until_the_changes_are_rejected) {
+    modelling_window window(ui_, settings_);
+    window.show();
+    modelling_workspace& ws = window.workspace();
+    ASSERT_EQ(open_model_file(ws, (folder_ / "synthetic_truth.qvx").string()), 0);
+    auto* joint = child<QCheckBox>(window, "Check_joint_fit");
+    EXPECT_FALSE(joint->isEnabled());
+    window.select_item("Combo_solver", 1);
+    combo_solver_selected(ws);
+    ASSERT_TRUE(joint->isEnabled());
+    joint->setChecked(true);
+
+    const float moved = move_body_and_invert(window);
+    EXPECT_LT(misfit(window, 1), misfit(window, 0));
+    EXPECT_EQ(window.text("Label_status"), "Inversion succeeded");
+    ASSERT_TRUE(window.visible("Text_fit_summary"));
+    const std::string summary = window.text("Text_fit_summary");
+    EXPECT_NE(summary.find("gravity noise level "), std::string::npos) << summary;
+    EXPECT_NE(summary.find("\nbody 1 Distance "), std::string::npos) << summary;
+    EXPECT_NE(summary.find("body 1 Dens "), std::string::npos) << summary;
+
+    child<QPushButton>(window, "Command_reject_changes")->click();
+    EXPECT_EQ(ws.model.body(1).distance.value, moved);
+    EXPECT_FALSE(window.visible("Text_fit_summary"));
     EXPECT_TRUE(ui_.messages.empty());
 }
 

@@ -141,22 +141,30 @@ TEST_F(cli_tool, export_dxf_writes_both_files_beside_the_model_and_replaces_them
     for (const std::string& path : written) EXPECT_NE(read_text(path), "old");
 }
 
-TEST_F(cli_tool, invert_lowers_the_misfit_and_writes_its_output_once) {
+// The synthetic example with its first body moved off its true place, as start.qvx.
+void write_synthetic_start(const scratch_folder& dir) {
     const std::string synthetic = std::string(TRENSIL_SOURCE_DIR) + "/examples/synthetic/";
     std::string model = read_text(synthetic + "synthetic_truth.qvx");
     const std::size_t at = model.find(" 3000  0  0  150 ");
     ASSERT_NE(at, std::string::npos);
-    model.replace(at, 5, " 3300");  // the first body moved off its true place
+    model.replace(at, 5, " 3300");
     write_text(dir.file("start.qvx"), model);
     std::filesystem::copy_file(synthetic + "synthetic_line.csv", dir.file("synthetic_line.csv"));
+}
+
+// The misfit after `label` ("initial misfit ", "final misfit ") in the tool's output.
+double printed_misfit(const std::string& out, const std::string& label) {
+    const std::size_t at = out.find(label);
+    return at == std::string::npos ? -1.0 : parse_number(take_word_after(out, at + label.size()));
+}
+
+TEST_F(cli_tool, invert_lowers_the_misfit_and_writes_its_output_once) {
+    write_synthetic_start(dir);
     const std::string args = "invert " + q(dir.file("start.qvx")) + " -o " + q(dir.file("fit.qvx"));
     const cli_run r = run(args);
     ASSERT_EQ(r.status, 0) << r.err;
-    const std::size_t initial = r.out.find("initial misfit "), final = r.out.find("final misfit ");
-    ASSERT_NE(initial, std::string::npos) << r.out;
-    ASSERT_NE(final, std::string::npos) << r.out;
-    EXPECT_LT(parse_number(take_word_after(r.out, final + 13)),
-              parse_number(take_word_after(r.out, initial + 15)))
+    ASSERT_GE(printed_misfit(r.out, "final misfit "), 0.0) << r.out;
+    EXPECT_LT(printed_misfit(r.out, "final misfit "), printed_misfit(r.out, "initial misfit "))
         << r.out;
     ASSERT_TRUE(file_exists(dir.file("fit.qvx")));
     const std::string fitted = read_text(dir.file("fit.qvx"));
@@ -164,6 +172,28 @@ TEST_F(cli_tool, invert_lowers_the_misfit_and_writes_its_output_once) {
     EXPECT_EQ(again.status, 1);
     EXPECT_EQ(again.error_lines(), 1) << again.err;
     EXPECT_EQ(read_text(dir.file("fit.qvx")), fitted);
+}
+
+TEST_F(cli_tool, invert_by_least_squares_prints_errors_and_its_options_need_it) {
+    write_synthetic_start(dir);
+    const std::string start = q(dir.file("start.qvx")) + " -o " + q(dir.file("fit.qvx"));
+    const cli_run r =
+        run("invert " + start + " --solver lm --body 1 --iterations 8 --noise-mag 1.5");
+    ASSERT_EQ(r.status, 0) << r.err;
+    EXPECT_LT(printed_misfit(r.out, "final misfit "), printed_misfit(r.out, "initial misfit "))
+        << r.out;
+    EXPECT_NE(r.out.find("iteration 8 misfit "), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("magnetic noise level 1.5 nT\n"), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("\nbody 1 Dip "), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find(" +- "), std::string::npos) << r.out;
+    EXPECT_NE(r.out.find("\ncorrelation body 1 "), std::string::npos) << r.out;
+
+    for (const char* bad : {"--joint", "--robust", "--noise-grav 0.1", "--solver newton",
+                            "--solver lm --noise-mag -1", "--solver lm --noise-grav x"}) {
+        SCOPED_TRACE(bad);
+        const cli_run refused = run("invert " + start + " --force " + bad);
+        EXPECT_EQ(refused.status, 2);
+    }
 }
 
 TEST_F(cli_tool, bad_model_files_fail_with_one_line) {
