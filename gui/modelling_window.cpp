@@ -589,6 +589,22 @@ void modelling_window::set_status(int panel, const std::string& text) {
     if (panel >= 1 && panel <= 6) status_[static_cast<std::size_t>(panel - 1)]->setText(q(text));
 }
 
+std::string modelling_window::status(int panel) const {
+    if (panel < 1 || panel > 6) return {};
+    return status_[static_cast<std::size_t>(panel - 1)]->text().toStdString();
+}
+
+void modelling_window::set_geometry(const std::string& name, float left, float top, float width,
+                                    float height) {
+    auto* widget = qobject_cast<QWidget*>(control(name));
+    if (!widget) return;
+    const double pixel = ws_.pointer.twips_per_pixel;
+    widget->setGeometry(static_cast<int>(std::lround(left / pixel)),
+                        static_cast<int>(std::lround(top / pixel)),
+                        static_cast<int>(std::lround(width / pixel)),
+                        static_cast<int>(std::lround(height / pixel)));
+}
+
 void modelling_window::set_caption(const std::string& caption) {
     setWindowTitle(q(caption));
 }

@@ -15,11 +15,16 @@ public:
     struct scroll_state {
         int value = 0, min = 0, max = 0;
     };
+    struct geometry {
+        float left = 0, top = 0, width = 0, height = 0;
+    };
     std::map<std::string, std::string> texts;
     std::map<std::string, bool> checks, enabled, shown;
     std::map<std::string, scroll_state> scrolls;
     std::map<std::string, std::vector<std::string>> items;
     std::map<std::string, int> selected;
+    std::map<std::string, geometry> boxes;
+    std::map<int, std::string> status_panels;
     std::string caption;
     int tab = 0;
     int width = 12000, height = 9000;
@@ -41,15 +46,19 @@ public:
     int selected_item(const std::string& c) const override { return value_of(selected, c, 0); }
     void select_tab(int index) override { tab = index; }
     int current_tab() const override { return tab; }
-    void set_status(int, const std::string&) override {}
+    void set_status(int panel, const std::string& t) override { status_panels[panel] = t; }
+    std::string status(int panel) const override { return value_of(status_panels, panel, {}); }
+    void set_geometry(const std::string& c, float l, float t, float w, float h) override {
+        boxes[c] = {l, t, w, h};
+    }
     void set_caption(const std::string& c) override { caption = c; }
     void resize_form(int w, int h) override { width = w, height = h; }
     int form_width() const override { return width; }
     int form_height() const override { return height; }
 
 private:
-    template <class T>
-    static T value_of(const std::map<std::string, T>& m, const std::string& c, T absent) {
+    template <class K, class T>
+    static T value_of(const std::map<K, T>& m, const K& c, T absent) {
         const auto f = m.find(c);
         return f == m.end() ? absent : f->second;
     }
