@@ -215,6 +215,7 @@ int validate_model_display(modelling_workspace& ws) {
     const bool grav = model.gravpos > 0;
     view.set_visible("Frame_mag_profiles", mag || !grav);
     view.set_visible("Frame_grav_profiles", grav);
+    share_graph_area(ws, mag || !grav, grav);
     view.set_text("Text_number_locations", format_fixed(model.profile.num_stations, 0));
     ws.graph_view.graph_ranges_valid = 0;
     return 0;

@@ -24,6 +24,7 @@
 #include "support/settings_store.h"
 #include "workspace/graph_view.h"
 #include "workspace/modelling_view.h"
+#include "workspace/pointer_interaction.h"
 #include "workspace/section_view.h"
 
 namespace trensil {
@@ -54,6 +55,8 @@ struct modelling_workspace {
     // The project form opened this window: it supplies the data definitions.
     bool opened_from_project = false;
     bool plan_shown = false;
+    // The graph area's layout, its splitters and the inversion limit markers.
+    pointer_state pointer;
 
     // The inversion kept between runs (best model, start values, residuals), the panel it talks
     // to, and whether a run is under way (the event pump serves clicks during one).
