@@ -93,7 +93,7 @@ field_handler display_length(float model_record::*field) {
 }
 // Mesh settings of the current body: any change makes the body stale and redisplays.
 template <class T>
-field_handler body_mesh(T body_record::*field) {
+field_handler body_mesh(T body_definition::*field) {
     return [field](modelling_workspace& ws, const field_text& f) {
         const int current = ws.section.current_body;
         if (!f.numeric || f.value < 0 || current < 1 || current > ws.model.num_bodies) return;
@@ -107,7 +107,7 @@ field_handler body_mesh(T body_record::*field) {
         display_model(ws, 1);
     };
 }
-field_handler body_text(std::string body_record::*field) {
+field_handler body_text(std::string body_definition::*field) {
     return [field](modelling_workspace& ws, const field_text& f) {
         const int current = ws.section.current_body;
         if (current < 1 || current > ws.model.num_bodies) return;
