@@ -589,7 +589,7 @@ void modelling_window::set_status(int panel, const std::string& text) {
     if (panel >= 1 && panel <= 6) status_[static_cast<std::size_t>(panel - 1)]->setText(q(text));
 }
 
-std::string modelling_window::status(int panel) const {
+std::string modelling_window::status_text(int panel) const {
     if (panel < 1 || panel > 6) return {};
     return status_[static_cast<std::size_t>(panel - 1)]->text().toStdString();
 }

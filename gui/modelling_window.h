@@ -51,7 +51,7 @@ public:
     void select_tab(int index) override;
     int current_tab() const override;
     void set_status(int panel, const std::string& text) override;
-    std::string status(int panel) const override;
+    std::string status_text(int panel) const override;
     void set_geometry(const std::string& control, float left, float top, float width,
                       float height) override;
     void set_caption(const std::string& caption) override;

@@ -37,7 +37,7 @@ public:
     virtual int current_tab() const = 0;
     // Status bar panels 1 to 6.
     virtual void set_status(int panel, const std::string& text) = 0;
-    virtual std::string status(int panel) const = 0;
+    virtual std::string status_text(int panel) const = 0;
     // Places a control within its container, in the window's layout units (twips, 15 to a
     // pixel of the screen's logical resolution).
     virtual void set_geometry(const std::string& control, float left, float top, float width,

@@ -18,7 +18,7 @@ constexpr int panel_value = 5;
 
 // A number read back from a status panel: 0 unless the whole text is numeric.
 float status_number(const modelling_view& view, int panel) {
-    const std::string text = view.status(panel);
+    const std::string text = view.status_text(panel);
     return is_numeric_text(text) ? static_cast<float>(parse_number(text)) : 0.0f;
 }
 

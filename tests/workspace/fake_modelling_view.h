@@ -24,7 +24,7 @@ public:
     std::map<std::string, std::vector<std::string>> items;
     std::map<std::string, int> selected;
     std::map<std::string, geometry> boxes;
-    std::map<int, std::string> status_panels;
+    std::map<int, std::string> status;
     std::string caption;
     int tab = 0;
     int width = 12000, height = 9000;
@@ -46,8 +46,8 @@ public:
     int selected_item(const std::string& c) const override { return value_of(selected, c, 0); }
     void select_tab(int index) override { tab = index; }
     int current_tab() const override { return tab; }
-    void set_status(int panel, const std::string& t) override { status_panels[panel] = t; }
-    std::string status(int panel) const override { return value_of(status_panels, panel, {}); }
+    void set_status(int panel, const std::string& t) override { status[panel] = t; }
+    std::string status_text(int panel) const override { return value_of(status, panel, {}); }
     void set_geometry(const std::string& c, float l, float t, float w, float h) override {
         boxes[c] = {l, t, w, h};
     }
