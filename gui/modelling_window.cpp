@@ -17,6 +17,8 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+#include <cmath>
+
 #include "exports/bitmap_file.h"
 #include "io/profile_data_export.h"
 #include "support/number_format.h"
@@ -611,6 +613,62 @@ void modelling_window::set_caption(const std::string& caption) {
 
 void modelling_window::resize_form(int width, int height) {
     resize(width, height);
+}
+
+body_table_widget* modelling_window::grid(const std::string& name) const {
+    return findChild<body_table_widget*>(q(name));
+}
+
+void modelling_window::set_grid_text(const std::string& name, const std::string& text) {
+    if (body_table_widget* g = grid(name)) g->set_all_text(q(text));
+}
+
+std::string modelling_window::grid_cell(const std::string& name, int row, int column) const {
+    const body_table_widget* g = grid(name);
+    return g ? g->cell_text(row, column).toStdString() : std::string();
+}
+
+void modelling_window::set_grid_cell(const std::string& name, int row, int column,
+                                     const std::string& text) {
+    if (body_table_widget* g = grid(name)) g->set_cell_text(row, column, q(text));
+}
+
+view_rect modelling_window::grid_cell_rect(const std::string& name, int row, int column) const {
+    const body_table_widget* g = grid(name);
+    if (!g) return {};
+    const QRect r = g->cell_rect(row, column);
+    return {static_cast<double>(r.x()), static_cast<double>(r.y()), static_cast<double>(r.width()),
+            static_cast<double>(r.height())};
+}
+
+void modelling_window::fit_grid_columns(const std::string& name,
+                                        const std::vector<double>& extra_share) {
+    if (body_table_widget* g = grid(name)) g->fit_columns(extra_share);
+}
+
+view_rect modelling_window::control_rect(const std::string& name) const {
+    const auto* w = qobject_cast<const QWidget*>(control(name));
+    if (!w) return {};
+    const QPoint p = w->mapTo(this, QPoint(0, 0));
+    return {static_cast<double>(p.x()), static_cast<double>(p.y()), static_cast<double>(w->width()),
+            static_cast<double>(w->height())};
+}
+
+void modelling_window::set_control_rect(const std::string& name, const view_rect& rect) {
+    auto* w = qobject_cast<QWidget*>(control(name));
+    if (!w) return;
+    QPoint p(static_cast<int>(std::lround(rect.left)), static_cast<int>(std::lround(rect.top)));
+    if (QWidget* parent = w->parentWidget()) p = parent->mapFrom(this, p);
+    w->setGeometry(p.x(), p.y(), static_cast<int>(std::lround(rect.width)),
+                   static_cast<int>(std::lround(rect.height)));
+}
+
+void modelling_window::set_focus(const std::string& name) {
+    if (auto* w = qobject_cast<QWidget*>(control(name))) w->setFocus(Qt::OtherFocusReason);
+}
+
+void modelling_window::set_tooltip(const std::string& name, const std::string& text) {
+    if (auto* w = qobject_cast<QWidget*>(control(name))) w->setToolTip(q(text));
 }
 
 }  // namespace trensil

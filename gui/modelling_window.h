@@ -9,6 +9,7 @@
 #include <QTimer>
 #include <array>
 
+#include "body_table_widget.h"
 #include "graph_widget.h"
 #include "qt_platform.h"
 #include "workspace/modelling_workspace.h"
@@ -58,6 +59,16 @@ public:
     void resize_form(int width, int height) override;
     int form_width() const override { return QMainWindow::width(); }
     int form_height() const override { return QMainWindow::height(); }
+    void set_grid_text(const std::string& grid, const std::string& text) override;
+    std::string grid_cell(const std::string& grid, int row, int column) const override;
+    void set_grid_cell(const std::string& grid, int row, int column,
+                       const std::string& text) override;
+    view_rect grid_cell_rect(const std::string& grid, int row, int column) const override;
+    void fit_grid_columns(const std::string& grid, const std::vector<double>& extra_share) override;
+    view_rect control_rect(const std::string& control) const override;
+    void set_control_rect(const std::string& control, const view_rect& rect) override;
+    void set_focus(const std::string& control) override;
+    void set_tooltip(const std::string& control, const std::string& text) override;
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -65,6 +76,7 @@ protected:
 
 private:
     QObject* control(const std::string& name) const;
+    body_table_widget* grid(const std::string& name) const;
     void build_menus();
     QWidget* build_tabs();
     QWidget* build_graphs();
