@@ -19,6 +19,7 @@
 
 #include <cmath>
 
+#include "body_menus.h"
 #include "exports/bitmap_file.h"
 #include "io/profile_data_export.h"
 #include "support/number_format.h"
@@ -42,14 +43,6 @@ QLineEdit* field(QFormLayout* form, const QString& name, const QString& label) {
     return edit;
 }
 
-// A vertical bar that works as a spin: one step up or down, then back to 0.
-QScrollBar* spin_bar(const QString& name) {
-    auto* bar = named(new QScrollBar(Qt::Vertical), name);
-    bar->setRange(-1, 1);
-    bar->setValue(0);
-    bar->setFixedWidth(14);
-    return bar;
-}
 }  // namespace
 
 modelling_window::modelling_window(platform& ui, settings_store& settings, bool opened_from_project,
@@ -123,6 +116,7 @@ void modelling_window::build_menus() {
     bodies->menuAction()->setParent(this);
     add(bodies, "menu_save_body_defaults", "Save current body parameters as default",
         [this] { save_body_defaults(ws_); });
+    add_body_list_menus(bodies, ws_, this);
     QMenu* model = menuBar()->addMenu("&Model");
     model->menuAction()->setObjectName("menu_model");
     model->menuAction()->setParent(this);
@@ -202,6 +196,7 @@ QWidget* modelling_window::build_tabs() {
     field(bf, "Text_num_segments", "Segments");
     field(bf, "Text_max_triangle_size", "Largest triangle");
     bl->addWidget(body_box);
+    bl->addWidget(build_body_switches(ws_));
     auto* label = named(new QCheckBox("Show body label"), "Check_show_body_label");
     connect(label, &QCheckBox::clicked, this, [this] { check_show_body_label(ws_); });
     bl->addWidget(label);
@@ -309,40 +304,12 @@ QWidget* modelling_window::build_graphs() {
     al->setContentsMargins(0, 0, 0, 0);
     al->setSpacing(2);
 
-    graph_stack_ = new QWidget;
-    graph_stack_->setObjectName("graph_stack");
-    auto* sl = new QVBoxLayout(graph_stack_);
-    sl->setContentsMargins(0, 0, 0, 0);
-    sl->setSpacing(2);
-    auto graph_row = [this](int i) {
-        auto* row = new QWidget;
-        auto* rl = new QHBoxLayout(row);
-        rl->setContentsMargins(0, 0, 0, 0);
-        rl->setSpacing(1);
-        graphs_[static_cast<std::size_t>(i)] =
-            named(new graph_widget, QString("zngraph_model_%1").arg(i));
-        graph_widget* g = graphs_[static_cast<std::size_t>(i)];
-        rl->addWidget(g, 1);
-        auto* bars = new QVBoxLayout;
-        QScrollBar* zoom = spin_bar(QString("VScroll_zoom_%1").arg(i));
-        QScrollBar* pan = spin_bar(QString("VScroll_pan_%1").arg(i));
-        // Up on the bar is a step up: zoom in, move the view up.
-        connect(zoom, &QScrollBar::valueChanged, this,
-                [this, i](int v) { vscroll_zoom_changed(ws_, i, -v); });
-        connect(pan, &QScrollBar::valueChanged, this,
-                [this, i](int v) { vscroll_pan_changed(ws_, i, -v); });
-        bars->addWidget(zoom, 1);
-        bars->addWidget(pan, 1);
-        rl->addLayout(bars);
-        connect(g, &graph_widget::pointer_moved, this, [this, i](bool outside, double x, double y) {
-            pointer_on_graph(i, outside, x, y);
-        });
-        if (i == section_graph) {
-            g->display_legend = true;
-            connect(g, &graph_widget::object_clicked, this, [this](int n) { pick_body(n); });
-        }
-        return row;
-    };
+    graph_area_ = new graph_area(ws_);
+    for (int i = 0; i < graph_count; ++i)
+        graphs_[static_cast<std::size_t>(i)] = graph_area_->graph(i);
+    plan_ = graph_area_->plan();
+    al->addWidget(graph_area_, 1);
+
     auto frame = [](const QString& name) {
         auto* f = named(new QFrame, name);
         auto* fl = new QVBoxLayout(f);
@@ -350,35 +317,6 @@ QWidget* modelling_window::build_graphs() {
         fl->setSpacing(2);
         return f;
     };
-    QFrame* mag = frame("Frame_mag_profiles");
-    mag->layout()->addWidget(graph_row(0));
-    mag->layout()->addWidget(graph_row(1));
-    QFrame* grav = frame("Frame_grav_profiles");
-    grav->layout()->addWidget(graph_row(2));
-    grav->layout()->addWidget(graph_row(3));
-    QFrame* section = frame("Frame_section");
-    section->layout()->addWidget(graph_row(4));
-    sl->addWidget(mag, 2);
-    sl->addWidget(grav, 2);
-    sl->addWidget(section, 2);
-    al->addWidget(graph_stack_, 1);
-
-    QFrame* plan = frame("Frame_plan");
-    plan_ = named(new graph_widget, "zngraph_plan");
-    plan->layout()->addWidget(plan_);
-    connect(plan_, &graph_widget::object_clicked, this, [this](int n) { pick_body(n); });
-    connect(plan_, &graph_widget::pointer_moved, this, [this](bool outside, double x, double y) {
-        set_status(1, "Plan View");
-        for (int p = 2; p <= 5; ++p) set_status(p, "");
-        if (outside) return;
-        set_status(2, format_fixed(x, 1));
-        set_status(3, format_fixed(y, 1));
-        set_status(4, format_fixed(x, 2));
-        set_status(5, format_fixed(y, 2));
-    });
-    plan->hide();
-    al->addWidget(plan, 1);
-
     auto* base = frame("Frame_base_levels");
     auto* bl = new QHBoxLayout;
     bl->addWidget(new QLabel("Mag base"));
@@ -415,44 +353,8 @@ QWidget* modelling_window::build_graphs() {
     return area;
 }
 
-void modelling_window::pointer_on_graph(int index, bool outside, double x, double y) {
-    static const char* names[] = {"Residual Mag Data", "Vertical Mag Gradient",
-                                  "Residual Grav Data", "Vertical Grav Gradient"};
-    graph_widget* g = graphs_[static_cast<std::size_t>(index)];
-    if (index < section_graph) {
-        set_status(1, names[index]);
-    } else if (g->yaxismin < g->yaxismax) {
-        const double stretch = (static_cast<double>(g->height()) / g->width()) /
-                               ((g->yaxismax - g->yaxismin) / (g->xaxismax - g->xaxismin));
-        set_status(1, "Model (Vertical stretch " + format_fixed(stretch, 2));
-    }
-    if (outside) {
-        set_status(4, "");
-        set_status(5, "");
-        return;
-    }
-    set_status(4, format_fixed(x, 2));
-    set_status(5, format_fixed(y, 4));
-    const profile_block& p = ws_.model.profile;
-    if (p.num_stations > 0) {
-        const int k = station_at_distance(p, static_cast<float>(x));
-        set_status(2, format_fixed(p.location(easting_row, k), 1));
-        set_status(3, format_fixed(p.location(northing_row, k), 1));
-    }
-}
-
-void modelling_window::pick_body(int polygon) {
-    model_record& m = ws_.model;
-    if (polygon < 1 || polygon > m.num_bodies) return;
-    const int b = m.body(polygon).display_index;
-    if (b < 1 || b == ws_.section.current_body) return;
-    ws_.section.current_body = b;
-    show_current_body(ws_);
-    display_model(ws_, 1);
-}
-
 QImage modelling_window::capture_graphs() {
-    QWidget* source = ws_.plan_shown ? static_cast<QWidget*>(plan_) : graph_stack_;
+    QWidget* source = ws_.plan_shown ? static_cast<QWidget*>(plan_) : graph_area_;
     return source->grab().toImage().convertToFormat(QImage::Format_RGB888);
 }
 
@@ -598,13 +500,13 @@ std::string modelling_window::status_text(int panel) const {
 
 void modelling_window::set_geometry(const std::string& name, float left, float top, float width,
                                     float height) {
-    auto* widget = qobject_cast<QWidget*>(control(name));
-    if (!widget) return;
     const double pixel = ws_.pointer.twips_per_pixel;
-    widget->setGeometry(static_cast<int>(std::lround(left / pixel)),
-                        static_cast<int>(std::lround(top / pixel)),
-                        static_cast<int>(std::lround(width / pixel)),
-                        static_cast<int>(std::lround(height / pixel)));
+    const QRect rect(static_cast<int>(std::lround(left / pixel)),
+                     static_cast<int>(std::lround(top / pixel)),
+                     static_cast<int>(std::lround(width / pixel)),
+                     static_cast<int>(std::lround(height / pixel)));
+    if (graph_area_ && graph_area_->place(q(name), rect)) return;
+    if (auto* widget = qobject_cast<QWidget*>(control(name))) widget->setGeometry(rect);
 }
 
 void modelling_window::set_caption(const std::string& caption) {

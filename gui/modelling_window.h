@@ -10,6 +10,7 @@
 #include <array>
 
 #include "body_table_widget.h"
+#include "graph_area.h"
 #include "graph_widget.h"
 #include "qt_platform.h"
 #include "workspace/modelling_workspace.h"
@@ -82,14 +83,12 @@ private:
     QWidget* build_graphs();
     QWidget* build_inversion_panel();
     void connect_field(const QString& name);
-    void pointer_on_graph(int index, bool outside, double x, double y);
-    void pick_body(int polygon);
 
     modelling_workspace ws_;
     workspace_inversion_view inversion_panel_;
     std::array<graph_widget*, graph_count> graphs_{};
     graph_widget* plan_ = nullptr;
-    QWidget* graph_stack_ = nullptr;
+    graph_area* graph_area_ = nullptr;
     QTabWidget* tabs_ = nullptr;
     int shown_tab_ = 0;
     std::array<QLabel*, 6> status_{};
