@@ -4,6 +4,7 @@
 #pragma once
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "model_fixture.h"
@@ -15,8 +16,7 @@ namespace trensil {
 
 struct editing_fixture : workspace_fixture {
     editing_fixture() {
-        ws.model = testing_models::line_model(120, 10.0f);
-        model_record& m = ws.model;
+        model_record m = testing_models::line_model(120, 10.0f);
         m.gravpos = 6;
         for (int i = 1; i <= m.profile.num_stations; ++i) {
             m.profile.grav_channels(observed_raw, i) = 0.5f;
@@ -36,14 +36,7 @@ struct editing_fixture : workspace_fixture {
             locate_body_on_profile(m.profile, b.distance.value, b.east, b.north);
             b.name = "Body " + std::to_string(i);
         }
-        prepare_channels(m);
-        ws.section.current_body = 1;
-        form_ready_display();
-    }
-
-    // The first display: computes every body and sets the axes.
-    void form_ready_display() {
-        display_model(ws, 0);
+        show(std::move(m));
         ws.response.mag_responses_computed = 0;
         ws.response.grav_responses_computed = 0;
     }

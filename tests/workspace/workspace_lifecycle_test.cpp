@@ -6,7 +6,6 @@
 #include "support/memory_settings_store.h"
 #include "support/scripted_platform.h"
 #include "workspace/modelling_workspace.h"
-#include "workspace/recording_graph_control.h"
 #include "workspace_files.h"
 #include "workspace_fixture.h"
 
