@@ -23,6 +23,7 @@
 #include "exports/bitmap_file.h"
 #include "io/profile_data_export.h"
 #include "support/number_format.h"
+#include "workspace/model_edit.h"
 
 namespace trensil {
 
@@ -110,6 +111,14 @@ void modelling_window::build_menus() {
         [this] { return_to_working_directory(ws_); });
     file->addSeparator();
     add(file, "menu_exit", "Exit", [this] { close(); })->setShortcut(QKeySequence::Quit);
+
+    QMenu* edit = menuBar()->addMenu("&Edit");
+    edit->menuAction()->setObjectName("menu_edit");
+    edit->menuAction()->setParent(this);
+    add(edit, "menu_undo", "Undo", [this] { menu_undo(ws_); })->setShortcut(QKeySequence::Undo);
+    add(edit, "menu_redo", "Redo", [this] {
+        menu_redo(ws_);
+    })->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z));
 
     QMenu* bodies = menuBar()->addMenu("&Bodies");
     bodies->menuAction()->setObjectName("menu_bodies");

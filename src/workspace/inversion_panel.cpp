@@ -1,5 +1,6 @@
 #include "inversion/inversion_session.h"
 #include "support/number_format.h"
+#include "workspace/model_edit.h"
 #include "workspace/modelling_workspace.h"
 #include "workspace/workspace_inversion_view.h"
 
@@ -60,9 +61,14 @@ void show_current_body(modelling_workspace& ws) {
 
 void command_invert(modelling_workspace& ws, int item) {
     if (ws.inversion_running) return;
-    running_guard running(ws);
-    with_context(ws,
-                 [&](inversion_context& ctx) { on_invert_click(ctx, item, inversion_body(ws)); });
+    // The run's result is one step: undo puts back the model the run began with.
+    model_edit edit(ws, "Inversion");
+    {
+        running_guard running(ws);
+        with_context(
+            ws, [&](inversion_context& ctx) { on_invert_click(ctx, item, inversion_body(ws)); });
+    }
+    edit.commit();
 }
 
 void command_stop_inversion(modelling_workspace& ws) {
@@ -71,12 +77,16 @@ void command_stop_inversion(modelling_workspace& ws) {
 
 void command_reject_changes(modelling_workspace& ws) {
     if (ws.inversion_running) return;
+    model_edit edit(ws, "Reject Changes");
     with_context(ws, [](inversion_context& ctx) { on_reject_changes(ctx); });
+    edit.commit();
 }
 
 void command_restore_best(modelling_workspace& ws) {
     if (ws.inversion_running) return;
+    model_edit edit(ws, "Restore Best Model");
     with_context(ws, [](inversion_context& ctx) { on_restore_best(ctx); });
+    edit.commit();
 }
 
 void check_inversion_mode_clicked(modelling_workspace& ws) {

@@ -10,6 +10,7 @@
 #include "io/profile_setup.h"
 #include "support/number_format.h"
 #include "support/paths.h"
+#include "workspace/model_edit.h"
 #include "workspace/modelling_workspace.h"
 
 namespace trensil {
@@ -57,6 +58,8 @@ void reset_form_display(modelling_workspace& ws) {
     view.set_enabled("Command_reject_changes", false);
     view.set_visible("Label_status", false);
     forget_best_model(ws.inversion);
+    // Steps of another model cannot be undone on this one.
+    clear_edit_history(ws);
     // The window has no slider frame yet: the inversion panel stays in its place and the toggle
     // between the two stays hidden.
     view.set_text("Command_toggle_invert_body", "Perform Inversion");

@@ -22,6 +22,7 @@
 #include "response/response_state.h"
 #include "support/platform.h"
 #include "support/settings_store.h"
+#include "workspace/edit_history.h"
 #include "workspace/graph_view.h"
 #include "workspace/modelling_view.h"
 #include "workspace/pointer_interaction.h"
@@ -63,6 +64,9 @@ struct modelling_workspace {
     inversion_state inversion;
     inversion_view* inversion_panel = nullptr;
     bool inversion_running = false;
+
+    // The undo and redo steps of the body edits (workspace/model_edit.h).
+    edit_history history;
 };
 
 // Holds `updating_display` set for a scope, restoring the value it found.
