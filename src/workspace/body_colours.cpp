@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "workspace/body_command_support.h"
+#include "workspace/model_edit.h"
 #include "workspace/modelling_workspace.h"
 
 namespace trensil {
@@ -54,11 +55,15 @@ bool colour_bodies_by_property(model_record& model, int item) {
 
 void menu_colour_body(modelling_workspace& ws, int item) {
     if (ws.updating_display || ws.model.num_bodies < 1) return;
-    if (!colour_bodies_by_property(ws.model, item)) {
-        ws.ui.show_message("The bodies all have the same specified value");
-        return;
+    {
+        model_edit edit(ws, item == colour_by_susc        ? "Colour Bodies by Susceptibility"
+                            : item == colour_by_remanence ? "Colour Bodies by Remanence"
+                                                          : "Colour Bodies by Density");
+        if (!colour_bodies_by_property(ws.model, item)) {
+            ws.ui.show_message("The bodies all have the same specified value");
+            return;
+        }
     }
-    mark_model_changed(ws);
     show_body_parameters(ws);
     redraw_bodies(ws);
 }

@@ -1,6 +1,9 @@
 #include "workspace/body_flags.h"
 
+#include <string>
+
 #include "workspace/body_command_support.h"
+#include "workspace/model_edit.h"
 #include "workspace/modelling_workspace.h"
 
 namespace trensil {
@@ -21,10 +24,20 @@ void for_every_body(model_record& model, Change change) {
     for (int i = 1; i <= model.num_bodies; ++i) change(model.body(i));
 }
 
-// A flag menu's ending: every body recomputed and redrawn.
-void after_flag_menu(modelling_workspace& ws) {
+// A flag menu: one step for every body's flag, marked changed even when no flag changed, then
+// every body recomputed and redrawn.
+template <class Change>
+void flag_menu(modelling_workspace& ws, const char* label, Change change) {
+    {
+        model_edit edit(ws, label);
+        change(ws.model);
+    }
     mark_model_changed(ws);
     recalculate_whole_model(ws);
+}
+
+std::string of_current(const char* what, const modelling_workspace& ws) {
+    return std::string(what) + " of Body " + std::to_string(ws.section.current_body);
 }
 }  // namespace
 
@@ -65,21 +78,20 @@ std::int32_t fix_for_inversion_window(const model_record& model, const body_reco
 
 void menu_set_demag_flags(modelling_workspace& ws, int item) {
     if (ws.updating_display) return;
-    set_demag_flags(ws.model, item);
-    after_flag_menu(ws);
+    flag_menu(ws, "Set Demag Flags", [item](model_record& m) { set_demag_flags(m, item); });
 }
 
 void menu_set_disable_flag(modelling_workspace& ws, int item) {
     if (ws.updating_display) return;
-    set_disable_flags(ws.model, item);
-    after_flag_menu(ws);
+    flag_menu(ws, "Set Use Flags", [item](model_record& m) { set_disable_flags(m, item); });
 }
 
 void menu_set_fix_flags(modelling_workspace& ws, int item) {
     if (ws.updating_display) return;
-    set_fix_flags(ws.model, item);
+    flag_menu(ws,
+              item == fix_outside_limits ? "Fix Bodies outside Inversion Limits" : "Set Fix Flags",
+              [item](model_record& m) { set_fix_flags(m, item); });
     show_body_parameters(ws);
-    after_flag_menu(ws);
 }
 
 void check_fix_this_body(modelling_workspace& ws) {
@@ -87,7 +99,9 @@ void check_fix_this_body(modelling_workspace& ws) {
     body_record* b = current_body_of(ws);
     if (!b) return;
     // The box shows the body fixed; the flag says it takes part in the inversion.
+    model_edit edit(ws, of_current("Fix", ws));
     b->fix = ws.view->checked("Check_fix_this_body") ? 0 : 1;
+    edit.commit();
     mark_model_changed(ws);
 }
 
@@ -95,9 +109,12 @@ void check_include_demagnetisation(modelling_workspace& ws) {
     if (ws.updating_display || ws.model.profile.num_stations < 1) return;
     body_record* b = current_body_of(ws);
     if (!b) return;
-    b->mag_valid = 0;
-    b->demag = ws.view->checked("Check_include_demagnetisation") ? 1 : 0;
-    b->magnetisation = -1.0f;
+    {
+        model_edit edit(ws, of_current("Demagnetisation", ws));
+        b->mag_valid = 0;
+        b->demag = ws.view->checked("Check_include_demagnetisation") ? 1 : 0;
+        b->magnetisation = -1.0f;
+    }
     mark_model_changed(ws);
     display_model(ws, 1);
 }
@@ -106,10 +123,13 @@ void check_turn_off_body(modelling_workspace& ws) {
     if (ws.updating_display) return;
     body_record* b = current_body_of(ws);
     if (!b) return;
-    b->disabled = ws.view->checked("Check_turn_off_body") ? 1 : 0;
-    b->mag_valid = 0;
-    b->grav_valid = 0;
-    b->magnetisation = -1.0f;
+    {
+        model_edit edit(ws, of_current("Use", ws));
+        b->disabled = ws.view->checked("Check_turn_off_body") ? 1 : 0;
+        b->mag_valid = 0;
+        b->grav_valid = 0;
+        b->magnetisation = -1.0f;
+    }
     mark_model_changed(ws);
     display_model(ws, 1);
 }

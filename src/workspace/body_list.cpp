@@ -10,6 +10,7 @@
 #include "support/text_tokens.h"
 #include "workspace/body_command_support.h"
 #include "workspace/graph_control.h"
+#include "workspace/model_edit.h"
 #include "workspace/modelling_workspace.h"
 
 namespace trensil {
@@ -188,8 +189,12 @@ void shift_bodies(model_record& model, float shift) {
 // --- The window's commands --------------------------------------------------------------------
 
 void MAGINV_add_body(modelling_workspace& ws, int kind, float distance, float top) {
+    const std::string old = std::to_string(ws.section.current_body);
+    model_edit edit(ws, kind == add_copy    ? "Copy Body " + old
+                        : kind == add_split ? "Split Body " + old
+                                            : std::string("Add Body"));
     if (!add_body(ws.model, ws.section.current_body, kind, distance, top, &ws.settings)) return;
-    mark_model_changed(ws);
+    edit.commit();
     show_body_parameters(ws);
     display_model(ws, 1);
 }
@@ -208,13 +213,17 @@ void menu_add_body(modelling_workspace& ws, int item) {
 void menu_delete_body(modelling_workspace& ws, int item) {
     if (ws.updating_display || ws.model.num_bodies < 1) return;
     model_record& model = ws.model;
-    if (item == delete_current && model.num_bodies >= 2)
+    const bool one = item == delete_current && model.num_bodies >= 2;
+    model_edit edit(ws, one ? "Delete Body " + std::to_string(ws.section.current_body)
+                            : std::string("Delete All Bodies"));
+    if (one)
         delete_current_body(model, ws.section.current_body);
     else
         delete_all_bodies(model, ws.section.current_body);
-    mark_model_changed(ws);
+    edit.commit();
     show_body_parameters(ws);
-    clear_body_results(model);
+    // The bodies left keep their responses; the channel totals are summed anew without them.
+    ws.response.channel_sums_stale = true;
     display_model(ws, 1);
 }
 
@@ -234,7 +243,9 @@ void combo_model_type_selected(modelling_workspace& ws, int type) {
     }
     body_record* b = current_body_of(ws);
     if (!b) return;
+    model_edit edit(ws, "Type of Body " + std::to_string(ws.section.current_body));
     const bool changed = change_body_type(*b, type);
+    edit.commit();
     mark_model_changed(ws);
     show_body_parameters(ws);
     if (changed) display_model(ws, 1);
@@ -242,9 +253,16 @@ void combo_model_type_selected(modelling_workspace& ws, int type) {
 
 void menu_sort_bodies(modelling_workspace& ws, int item) {
     if (ws.updating_display || ws.model.num_bodies < 2) return;
-    sort_bodies(ws.model, ws.section.current_body, item);
-    mark_model_changed(ws);
     const bool whole_list = item == sort_ascending || item == sort_descending;
+    const std::string body = "Body " + std::to_string(ws.section.current_body);
+    model_edit edit(ws, item == sort_ascending    ? "Sort Bodies by Ascending Distance"
+                        : item == sort_descending ? "Sort Bodies by Descending Distance"
+                        : item == send_to_start   ? "Send " + body + " to Start"
+                                                  : "Send " + body + " to End");
+    sort_bodies(ws.model, ws.section.current_body, item);
+    edit.commit();
+    // Marked changed even when nothing moved, as every list command is.
+    mark_model_changed(ws);
     if (!whole_list) show_body_parameters(ws);
     // Nothing is recomputed, but the outlines are drawn again so that a click picks the body
     // under the pointer by its new number.
@@ -259,8 +277,10 @@ void menu_shift_bodies(modelling_workspace& ws) {
     if (!answer || !is_numeric_text(*answer)) return;
     const auto shift = static_cast<float>(parse_number(*answer));
     if (std::fabs(shift) < 1.0f) return;
-    shift_bodies(ws.model, shift);
-    mark_model_changed(ws);
+    {
+        model_edit edit(ws, "Shift All Bodies");
+        shift_bodies(ws.model, shift);
+    }
     show_body_parameters(ws);
     recalculate_whole_model(ws);
 }
