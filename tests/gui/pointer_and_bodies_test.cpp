@@ -96,7 +96,7 @@ TEST_F(pointer_window_test, delete_key_on_a_picked_body_asks_first) {
     EXPECT_EQ(section()->polygon_count(), 1);
 }
 
-TEST_F(pointer_window_test, body_menu_copies_the_current_body) {
+TEST_F(pointer_window_test, body_menu_commands_and_their_undo) {
     auto* copy = window_->findChild<QAction*>("menu_add_body_1");
     ASSERT_NE(copy, nullptr);
     copy->trigger();
@@ -107,6 +107,19 @@ TEST_F(pointer_window_test, body_menu_copies_the_current_body) {
     window_->findChild<QAction*>("menu_sort_bodies_1")->trigger();
     EXPECT_EQ(ui_.messages.back(), "The bodies have been sorted");
     EXPECT_FLOAT_EQ(ws().model.body(1).distance.value, 1500.0f);
+
+    // Ctrl+Z twice: the sort, then the copy, undone; the Edit menu names each step.
+    auto* undo = window_->findChild<QAction*>("menu_undo");
+    ASSERT_NE(undo, nullptr);
+    EXPECT_EQ(undo->text().toStdString(), "Undo Sort Bodies by Descending Distance");
+    QTest::keyClick(section(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(undo->text().toStdString(), "Undo Copy Body 1");
+    QTest::keyClick(section(), Qt::Key_Z, Qt::ControlModifier);
+    ASSERT_EQ(ws().model.num_bodies, 2);
+    EXPECT_FLOAT_EQ(ws().model.body(2).distance.value, 1500.0f);
+    EXPECT_EQ(section()->polygon_count(), 2);
+    EXPECT_FALSE(undo->isEnabled());
+    EXPECT_EQ(window_->findChild<QAction*>("menu_redo")->text().toStdString(), "Redo Copy Body 1");
 }
 
 TEST_F(pointer_window_test, dragging_the_start_marker_moves_the_inversion_window) {
