@@ -22,6 +22,7 @@
 #include "exports/bitmap_file.h"
 #include "io/profile_data_export.h"
 #include "support/number_format.h"
+#include "workspace/body_table.h"
 #include "workspace/model_edit.h"
 
 namespace trensil {
@@ -456,7 +457,7 @@ void modelling_window::pick_body(int polygon) {
     const int b = m.body(polygon).display_index;
     if (b < 1 || b == ws_.section.current_body) return;
     ws_.section.current_body = b;
-    show_current_body(ws_);
+    display_body_parameters(ws_);
     display_model(ws_, 1);
 }
 
