@@ -82,19 +82,6 @@ std::string step_label(const std::string& what, int row, int type, int body) {
     return what + body_row_label(row, type) + " of Body " + std::to_string(body);
 }
 
-void mark_changed(modelling_workspace& ws) {
-    ws.model_changed = true;
-    ws.view->set_enabled("Command_save_qvx_model", true);
-}
-
-// Rows 2 to 4 from the body's position.
-void show_position(modelling_workspace& ws, const body_record& b) {
-    modelling_view& view = *ws.view;
-    view.set_grid_cell(grid, row_east, cell_value, format_fixed(b.east, 1));
-    view.set_grid_cell(grid, row_north, cell_value, format_fixed(b.north, 1));
-    view.set_grid_cell(grid, row_distance, cell_value, format_fixed(b.distance.value, 1));
-}
-
 std::string table_text(const body_record& b) {
     std::string text = "Property\tValue\tVary\tMin\tMax";
     const auto row = [&](const std::string& cells) { text += grid_row_separator + cells; };
@@ -166,7 +153,7 @@ void commit_coordinate(modelling_workspace& ws, body_record& b, double value) {
         b.grav_valid = 0;
         edit.commit();
     }
-    show_position(ws, b);
+    show_body_position(ws);
     display_model(ws, 1);
 }
 
@@ -193,10 +180,9 @@ void commit_value(modelling_workspace& ws, body_record& b, double value, const s
         if (row != row_density) b.mag_valid = 0;
         edit.commit();
     }
-    if (row == row_distance) show_position(ws, b);
+    if (row == row_distance) show_body_position(ws);
     ws.view->set_grid_cell(grid, row, cell_value, text);
     display_model(ws, 1);
-    mark_changed(ws);
 }
 
 }  // namespace
@@ -326,7 +312,6 @@ void grid_body_click(modelling_workspace& ws, int row, int column) {
             edit.commit();
         }
         view.set_grid_cell(grid, row, cell_vary, p.vary != 0.0f ? "Yes" : "No");
-        mark_changed(ws);
     }
 }
 
@@ -353,6 +338,19 @@ void text_edit_commit(modelling_workspace& ws) {
     } else if (property_row_number(row)) {
         commit_value(ws, *found, value, raw);
     }
+}
+
+void show_body_position(modelling_workspace& ws) {
+    const body_record* b = current_body(ws);
+    if (!b) return;
+    modelling_view& view = *ws.view;
+    view.set_grid_cell(grid, row_east, cell_value, format_fixed(b->east, 1));
+    view.set_grid_cell(grid, row_north, cell_value, format_fixed(b->north, 1));
+    view.set_grid_cell(grid, row_distance, cell_value, format_fixed(b->distance.value, 1));
+}
+
+void commit_pending_edit(modelling_workspace& ws) {
+    if (ws.view->visible("Text_edit")) text_edit_commit(ws);
 }
 
 void text_edit_cancel(modelling_workspace& ws) {

@@ -56,5 +56,10 @@ void grid_body_click(modelling_workspace& ws, int row, int column);
 void text_edit_commit(modelling_workspace& ws);
 // Escape in Text_edit: the box goes away, nothing is stored.
 void text_edit_cancel(modelling_workspace& ws);
+// Before another control acts on the body: commits the edit box's text when it is open.
+void commit_pending_edit(modelling_workspace& ws);
+
+// Rewrites rows 2 to 4 (East, North, Distance) from the current body's position.
+void show_body_position(modelling_workspace& ws);
 
 }  // namespace trensil
