@@ -23,6 +23,7 @@
 #include "exports/bitmap_file.h"
 #include "io/profile_data_export.h"
 #include "support/number_format.h"
+#include "workspace/body_table.h"
 #include "workspace/model_edit.h"
 
 namespace trensil {

@@ -1,6 +1,7 @@
 #include "workspace/body_command_support.h"
 
 #include "response/response_driver.h"
+#include "workspace/body_table.h"
 #include "workspace/graph_display.h"
 #include "workspace/plan_view.h"
 
@@ -18,10 +19,10 @@ void mark_model_changed(modelling_workspace& ws) {
 }
 
 void show_body_parameters(modelling_workspace& ws) {
-    show_current_body(ws);
-    display_guard guard(ws);
-    const int count = ws.model.num_bodies;
-    ws.view->set_scroll("HScroll_body", ws.section.current_body, count > 0 ? 1 : 0, count);
+    if (current_body_of(ws))
+        display_body_parameters(ws);
+    else
+        clear_body_parameters(ws);
 }
 
 void recalculate_whole_model(modelling_workspace& ws) {
@@ -41,18 +42,6 @@ void redraw_bodies(modelling_workspace& ws) {
         return;
     }
     display_maginv_model(ws.model, ws.graph_view, ws.graphs, ws.section, 1, section_graph);
-}
-
-void select_body(modelling_workspace& ws, int b) {
-    if (b < 1 || b > ws.model.num_bodies || b == ws.section.current_body) return;
-    {
-        display_guard guard(ws);
-        ws.view->set_visible("Text_edit", false);
-        ws.view->set_visible("Combo_model_type", false);
-    }
-    ws.section.current_body = b;
-    show_body_parameters(ws);
-    redraw_bodies(ws);
 }
 
 }  // namespace trensil

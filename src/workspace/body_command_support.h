@@ -1,5 +1,5 @@
 // What the window's body commands share: the current body, the mark of an edited model, the
-// redraws after a change of the list, and selecting a body.
+// table after a change, and the redraws after a change of the list.
 #pragma once
 
 #include "workspace/modelling_workspace.h"
@@ -12,7 +12,7 @@ body_record* current_body_of(modelling_workspace& ws);
 // `model_changed` set and the save button enabled.
 void mark_model_changed(modelling_workspace& ws);
 
-// The current body's table and side controls.
+// The current body's table and side controls, or an empty table when no body is left.
 void show_body_parameters(modelling_workspace& ws);
 
 // Every body recomputed on the main arrays (with the residuals of the inversion window), then
@@ -22,9 +22,5 @@ void recalculate_whole_model(modelling_workspace& ws);
 // The section, or the plan while it is shown, drawn again without recomputing: the outlines'
 // order, colours and the table of which polygon is which body follow the list.
 void redraw_bodies(modelling_workspace& ws);
-
-// Makes body `b` current, as the body selector does: the edit box and type list are put away,
-// the table shows the body and the section (or plan) shows it selected.
-void select_body(modelling_workspace& ws, int b);
 
 }  // namespace trensil

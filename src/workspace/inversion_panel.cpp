@@ -1,5 +1,4 @@
 #include "inversion/inversion_session.h"
-#include "support/number_format.h"
 #include "workspace/model_edit.h"
 #include "workspace/modelling_workspace.h"
 #include "workspace/workspace_inversion_view.h"
@@ -35,28 +34,6 @@ int inversion_body(const modelling_workspace& ws) {
     const int current = ws.section.current_body;
     if (current >= 1 && current <= ws.model.num_bodies) return current;
     return ws.model.num_bodies >= 1 ? 1 : 0;
-}
-
-void show_current_body(modelling_workspace& ws) {
-    modelling_view& view = *ws.view;
-    display_guard guard(ws);
-    const int current = ws.section.current_body;
-    if (current < 1 || current > ws.model.num_bodies) {
-        for (const char* name : {"Text_body_name", "Text_body_rock_type", "Text_body_description",
-                                 "Text_Shell_Thickness", "Text_End_Thickness", "Text_num_sectors",
-                                 "Text_num_segments", "Text_max_triangle_size"})
-            view.set_text(name, "");
-        return;
-    }
-    const body_record& b = ws.model.body(current);
-    view.set_text("Text_body_name", b.name);
-    view.set_text("Text_body_rock_type", b.rock_type);
-    view.set_text("Text_body_description", b.description);
-    view.set_text("Text_Shell_Thickness", general_number(b.shell_thickness));
-    view.set_text("Text_End_Thickness", general_number(b.end_thickness));
-    view.set_text("Text_num_sectors", format_fixed(b.num_sectors, 0));
-    view.set_text("Text_num_segments", format_fixed(b.num_segments, 0));
-    view.set_text("Text_max_triangle_size", general_number(b.max_triangle_size));
 }
 
 void command_invert(modelling_workspace& ws, int item) {

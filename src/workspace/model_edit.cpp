@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "workspace/body_table.h"
 #include "workspace/modelling_workspace.h"
 
 namespace trensil {
@@ -51,7 +52,11 @@ void show_restored(modelling_workspace& ws, const std::vector<body_definition>& 
     if (restore_body_definitions(ws.model, target)) ws.response.channel_sums_stale = true;
     const int n = ws.model.num_bodies;
     ws.section.current_body = n < 1 ? 0 : std::clamp(current, 1, n);
-    show_current_body(ws);
+    if (n >= 1) {
+        display_body_parameters(ws);
+    } else {
+        clear_body_parameters(ws);
+    }
     display_model(ws, 1);
     ws.model_changed = true;
     ws.view->set_enabled("Command_save_qvx_model", true);

@@ -10,6 +10,7 @@
 #include "io/profile_setup.h"
 #include "support/number_format.h"
 #include "support/paths.h"
+#include "workspace/body_table.h"
 #include "workspace/model_edit.h"
 #include "workspace/modelling_workspace.h"
 
@@ -86,7 +87,11 @@ void show_loaded_model(modelling_workspace& ws) {
         if (current < 1 || current > ws.model.num_bodies)
             current = ws.model.num_bodies >= 1 ? 1 : 0;
     }
-    show_current_body(ws);
+    if (ws.model.num_bodies >= 1) {
+        display_body_parameters(ws);
+    } else {
+        clear_body_parameters(ws);
+    }
 }
 }  // namespace
 

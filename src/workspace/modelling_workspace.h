@@ -67,6 +67,9 @@ struct modelling_workspace {
 
     // The undo and redo steps of the body edits (workspace/model_edit.h).
     edit_history history;
+    // The cell of Grid_body under edit (workspace/body_table.h).
+    std::int32_t edit_row = 0;
+    std::int32_t edit_column = 0;
 };
 
 // Holds `updating_display` set for a scope, restoring the value it found.
@@ -124,8 +127,6 @@ bool tab_model_changing(modelling_workspace& ws, int old_tab, int new_tab);
 
 // The body an inversion of the current body works on: the one last picked, or body 1.
 int inversion_body(const modelling_workspace& ws);
-// Shows the current body's name, rock type, description and cylinder mesh in Frame_body.
-void show_current_body(modelling_workspace& ws);
 // The panel's controls. A click on an invert button, reject or restore while a run is under way
 // is ignored: they would work on the parameter table the run is using.
 void command_invert(modelling_workspace& ws, int item);

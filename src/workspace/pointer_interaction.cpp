@@ -4,6 +4,7 @@
 #include "support/text_tokens.h"
 #include "workspace/body_command_support.h"
 #include "workspace/body_list.h"
+#include "workspace/body_sliders.h"
 #include "workspace/modelling_workspace.h"
 
 namespace trensil {
@@ -28,7 +29,14 @@ void pick_polygon(modelling_workspace& ws, int n) {
     model_record& model = ws.model;
     if (n < 1 || n > model.bodies.hi()) return;
     const int b = model.body(n).display_index;
-    if (b > 0 && b <= model.num_bodies && b != ws.section.current_body) select_body(ws, b);
+    // HScroll_body takes the body's number, and its change selects the body.
+    if (b > 0 && b <= model.num_bodies && b != ws.section.current_body) {
+        {
+            display_guard guard(ws);
+            ws.view->set_scroll("HScroll_body", b, 1, model.num_bodies);
+        }
+        hscroll_body_changed(ws, b);
+    }
 }
 }  // namespace
 

@@ -1,5 +1,6 @@
 #include "workspace/workspace_inversion_view.h"
 
+#include "workspace/body_table.h"
 #include "workspace/modelling_workspace.h"
 
 namespace trensil {
@@ -86,7 +87,7 @@ void workspace_inversion_view::redraw_inversion_progress() {
 }
 
 void workspace_inversion_view::display_body_parameters() {
-    show_current_body(ws_);
+    trensil::display_body_parameters(ws_);
 }
 
 void workspace_inversion_view::display_model(int mode) {

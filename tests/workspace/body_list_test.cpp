@@ -311,10 +311,10 @@ TEST(body_commands, type_list_hides_and_only_a_new_type_recomputes) {
     workspace_fixture f;
     f.show(named_bodies({200.0f}));
     f.ws.response.mag_responses_computed = 0;
-    combo_model_type_selected(f.ws, thick_sheet);
+    combo_model_type_selected(f.ws, 1);
     EXPECT_FALSE(f.view.visible("Combo_model_type"));
     EXPECT_EQ(f.ws.response.mag_responses_computed, 0);
-    combo_model_type_selected(f.ws, cylinder_pipe);
+    combo_model_type_selected(f.ws, 2);
     EXPECT_EQ(f.body(1).type, cylinder_pipe);
     EXPECT_FLOAT_EQ(f.body(1).dip.value, 0.0f);
     EXPECT_EQ(f.ws.response.mag_responses_computed, 1);
