@@ -31,8 +31,7 @@ std::vector<command> every_command() {
              f.ws.section.current_body = 1;
              menu_add_body(f.ws, add_split);
          }},
-        {"Type of Body 2",
-         [](editing_fixture& f) { combo_model_type_selected(f.ws, 2); }},
+        {"Type of Body 2", [](editing_fixture& f) { combo_model_type_selected(f.ws, 2); }},
         {"Send Body 2 to End", [](editing_fixture& f) { menu_sort_bodies(f.ws, send_to_end); }},
         {"Sort Bodies by Descending Distance",
          [](editing_fixture& f) { menu_sort_bodies(f.ws, sort_descending); }},
