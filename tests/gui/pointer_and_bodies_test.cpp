@@ -1,6 +1,6 @@
 // The pointer and the body commands on the real window, offscreen: picking an outline, adding a
-// body by a double click, the Delete key, a body menu, the limit markers, a splitter, and the
-// plan of the bundled example.
+// body by a double click, the Delete key, a body menu and its undo, a limit marker, and the plan
+// of the bundled example.
 #include <gtest/gtest.h>
 
 #include <QAction>
@@ -137,18 +137,6 @@ TEST_F(pointer_window_test, dragging_the_start_marker_moves_the_inversion_window
     // The graphs show the window's new start.
     const QPoint moved = section()->mapFromGlobal(marker->mapToGlobal(marker->rect().center()));
     EXPECT_NEAR(section()->to_world(QPointF(moved)).x(), 500.0, 15.0);
-}
-
-TEST_F(pointer_window_test, dragging_a_splitter_shares_the_height_anew) {
-    auto* splitter = window_->findChild<QWidget*>("Image_splitter_mag");
-    ASSERT_NE(splitter, nullptr);
-    const int upper = window_->graph(0)->height();
-    const int lower = window_->graph(1)->height();
-    drag(splitter, splitter->rect().center(), 0, 40);
-    EXPECT_NEAR(window_->graph(0)->height(), upper + 40, 2);
-    EXPECT_NEAR(window_->graph(1)->height(), lower - 40, 2);
-    drag(splitter, splitter->rect().center(), 0, 2000);  // past the frame: refused
-    EXPECT_NEAR(window_->graph(0)->height(), upper + 40, 2);
 }
 
 TEST(plan_of_the_example, covers_the_whole_line_with_a_tick_at_each_end) {
