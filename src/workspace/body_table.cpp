@@ -272,6 +272,25 @@ void clear_body_parameters(modelling_workspace& ws) {
     view.set_scroll("HScroll_body", 0, 0, 0);
 }
 
+int offered_body_type(int item) {
+    return item >= 0 && item < 3 ? offered_types[item] : 0;
+}
+
+void text_body_colour_double_click(modelling_workspace& ws) {
+    if (ws.updating_display) return;
+    body_record* found = current_body(ws);
+    if (!found) return;
+    const auto chosen = ws.ui.choose_colour(found->colour);
+    if (!chosen) return;
+    {
+        model_edit edit(ws, "Colour of Body " + std::to_string(ws.section.current_body));
+        found->colour = *chosen;
+        edit.commit();
+    }
+    display_body_parameters(ws);
+    display_model(ws, 1);
+}
+
 void grid_body_click(modelling_workspace& ws, int row, int column) {
     if (ws.updating_display) return;
     body_record* found = current_body(ws);
