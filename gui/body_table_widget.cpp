@@ -1,5 +1,6 @@
 #include "body_table_widget.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QFocusEvent>
 #include <QHeaderView>
@@ -167,6 +168,17 @@ bool body_table_widget::eventFilter(QObject* watched, QEvent* event) {
         if (escaped) return true;
     }
     return QTableWidget::eventFilter(watched, event);
+}
+
+// The edit box or the type list hidden while it has the focus hands the focus back to the table,
+// without the table's own move to the next cell.
+bool body_table_widget::focusNextPrevChild(bool next) {
+    QWidget* focus = QApplication::focusWidget();
+    if (focus == edit_ || focus == types_) {
+        setFocus(Qt::OtherFocusReason);
+        return true;
+    }
+    return QTableWidget::focusNextPrevChild(next);
 }
 
 // Return or F2 on a selected cell acts as a click on it, so the table works from the keyboard.

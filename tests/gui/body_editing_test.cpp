@@ -92,6 +92,9 @@ TEST_F(body_editing_test, typed_cell_changes_the_curve_and_escape_or_leaving_beh
     EXPECT_FLOAT_EQ(ws().model.body(1).dip.value, 45.0f);
     EXPECT_EQ(table_->cell_text(6, 1).toStdString(), "45");
     EXPECT_NE(computed_curve(), before);
+    // The table keeps the edited cell as its current one.
+    EXPECT_EQ(table_->currentRow() + 1, 6);
+    EXPECT_EQ(table_->currentColumn(), 1);
 
     // Escape: nothing stored.
     click_cell(7, 1);
