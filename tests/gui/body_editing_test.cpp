@@ -1,12 +1,10 @@
 // Editing a body through the window's own widgets, offscreen: a typed cell, a nudged bar, the
-// body selector, the cylinder's frame, undo and redo from the keyboard, and the slider frame
-// giving way to the inversion panel.
+// body selector, the cylinder's frame, undo and redo from the keyboard.
 #include <gtest/gtest.h>
 
 #include <QAction>
 #include <QApplication>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QScrollBar>
 #include <QStandardPaths>
 #include <QTest>
@@ -165,20 +163,6 @@ TEST_F(body_editing_test, selector_shows_the_cylinder_frame_for_a_cylinder_only)
     EXPECT_EQ(window_->text("Text_num_sectors"), "12");
     selector->setValue(1);
     EXPECT_TRUE(window_->findChild<QWidget*>("Frame_cylinder")->isHidden());
-}
-
-TEST_F(body_editing_test, sliders_give_way_to_the_inversion_panel) {
-    auto* toggle = window_->findChild<QPushButton*>("Command_toggle_invert_body");
-    ASSERT_NE(toggle, nullptr);
-    EXPECT_FALSE(window_->findChild<QWidget*>("Frame_move_body")->isHidden());
-    EXPECT_TRUE(window_->findChild<QWidget*>("Frame_inversion")->isHidden());
-    toggle->click();
-    EXPECT_TRUE(window_->findChild<QWidget*>("Frame_move_body")->isHidden());
-    EXPECT_FALSE(window_->findChild<QWidget*>("Frame_inversion")->isHidden());
-    EXPECT_EQ(toggle->text().toStdString(), "Move This Body");
-    toggle->click();
-    EXPECT_FALSE(window_->findChild<QWidget*>("Frame_move_body")->isHidden());
-    EXPECT_EQ(toggle->text().toStdString(), "Perform Inversion");
 }
 
 }  // namespace

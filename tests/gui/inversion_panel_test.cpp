@@ -74,7 +74,11 @@ TEST_F(inversion_panel_test, whole_model_run_lowers_misfit_and_both_ways_back_wo
     display_model(ws, 1);
 
     // The panel takes the sliders' place.
+    EXPECT_TRUE(window.visible("Frame_move_body"));
+    EXPECT_FALSE(window.visible("Frame_inversion"));
     child<QPushButton>(window, "Command_toggle_invert_body")->click();
+    EXPECT_FALSE(window.visible("Frame_move_body"));
+    EXPECT_EQ(window.text("Command_toggle_invert_body"), "Move This Body");
     ASSERT_TRUE(child<QPushButton>(window, "Command_invert_1")->isVisible());
     window.set_text("Text_max_iterations", "4");
     child<QPushButton>(window, "Command_invert_1")->click();
