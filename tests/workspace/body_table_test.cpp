@@ -98,7 +98,9 @@ TEST(body_table, a_click_opens_the_cell_its_row_allows) {
         const float now = property_by_row(f.ws.model.body(c.body), std::max(c.row, 4))->vary;
         EXPECT_EQ(now != vary, c.what == opens::vary_flip);
         EXPECT_EQ(f.ws.model_changed, c.what == opens::vary_flip);
-        if (c.what == opens::vary_flip) EXPECT_EQ(f.cell(c.row, 2), now != 0.0f ? "Yes" : "No");
+        if (c.what == opens::vary_flip) {
+            EXPECT_EQ(f.cell(c.row, 2), now != 0.0f ? "Yes" : "No");
+        }
         EXPECT_EQ(f.responses_computed(), 0);  // a click recalculates nothing
     }
 }
