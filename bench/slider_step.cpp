@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "modelling_window.h"
+#include "offscreen_benchmarks.h"
 #include "support/memory_settings_store.h"
 #include "support/scripted_platform.h"
 #include "test_paths.h"
@@ -141,14 +142,6 @@ BENCHMARK(slider_press)->Args({20, 2001})->Args({100, 20000})->Unit(benchmark::k
 
 }  // namespace
 
-// The application lives in main, so that it is gone before the program's static objects are.
 int main(int argc, char** argv) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
-    int app_argc = 1;
-    QApplication app(app_argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return trensil::run_offscreen_benchmarks(argc, argv);
 }
