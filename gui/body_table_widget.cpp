@@ -1,10 +1,12 @@
 #include "body_table_widget.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QFocusEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <algorithm>
 
 namespace trensil {
 
@@ -17,8 +19,11 @@ body_table_widget::body_table_widget(QWidget* parent) : QTableWidget(parent) {
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setSelectionBehavior(QAbstractItemView::SelectItems);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     verticalHeader()->setDefaultSectionSize(fontMetrics().height() + 6);
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 
     edit_ = new QLineEdit(this);
     edit_->setObjectName("Text_edit");
@@ -40,7 +45,10 @@ void body_table_widget::set_all_text(const QString& text) {
     const QStringList rows = text.split('\r');
     if (rows.isEmpty()) return;
     setHorizontalHeaderLabels(rows.front().split('\t'));
-    setRowCount(static_cast<int>(rows.size()) - 1);
+    if (rowCount() != rows.size() - 1) {
+        setRowCount(static_cast<int>(rows.size()) - 1);
+        updateGeometry();
+    }
     for (int r = 1; r < rows.size(); ++r) {
         const QStringList cells = rows[r].split('\t');
         for (int c = 0; c < columnCount(); ++c)
@@ -90,9 +98,47 @@ QRect body_table_widget::cell_rect(int row, int column) const {
 }
 
 void body_table_widget::fit_columns(const std::vector<double>& extra_share) {
+    extra_share_ = extra_share;
+    refit_columns();
+}
+
+void body_table_widget::refit_columns() {
     resizeColumnsToContents();
-    for (int c = 0; c < columnCount() && c < static_cast<int>(extra_share.size()); ++c)
-        setColumnWidth(c, columnWidth(c) + static_cast<int>(extra_share[c] * width()));
+    const int columns = std::min(columnCount(), static_cast<int>(extra_share_.size()));
+    int contents = 0;
+    double extra = 0.0;
+    for (int c = 0; c < columnCount(); ++c) contents += columnWidth(c);
+    for (int c = 0; c < columns; ++c) extra += extra_share_[static_cast<std::size_t>(c)] * width();
+    // The extra widths shrink alike where they would push the last column out of sight.
+    const double room = std::max(0, viewport()->width() - contents);
+    const double scale = extra > room ? room / extra : 1.0;
+    int used = 0;
+    for (int c = 0; c < columns; ++c) {
+        const double share = extra_share_[static_cast<std::size_t>(c)];
+        setColumnWidth(c, columnWidth(c) + static_cast<int>(share * width() * scale));
+        used += columnWidth(c);
+    }
+    // What is left of the width goes to the last column.
+    const int last = columnCount() - 1;
+    if (last >= 0 && used < viewport()->width())
+        setColumnWidth(last, columnWidth(last) + viewport()->width() - used);
+}
+
+void body_table_widget::resizeEvent(QResizeEvent* event) {
+    QTableWidget::resizeEvent(event);
+    if (!extra_share_.empty()) refit_columns();
+}
+
+QSize body_table_widget::sizeHint() const {
+    // Tall enough for every row: the table is the body's whole record.
+    const int rows = std::max(rowCount(), 1);
+    const int height = horizontalHeader()->height() +
+                       rows * verticalHeader()->defaultSectionSize() + 2 * frameWidth() + 2;
+    return {QTableWidget::sizeHint().width(), height};
+}
+
+QSize body_table_widget::minimumSizeHint() const {
+    return {QTableWidget::minimumSizeHint().width(), sizeHint().height()};
 }
 
 bool body_table_widget::eventFilter(QObject* watched, QEvent* event) {
@@ -122,6 +168,17 @@ bool body_table_widget::eventFilter(QObject* watched, QEvent* event) {
         if (escaped) return true;
     }
     return QTableWidget::eventFilter(watched, event);
+}
+
+// The edit box or the type list hidden while it has the focus hands the focus back to the table,
+// without the table's own move to the next cell.
+bool body_table_widget::focusNextPrevChild(bool next) {
+    QWidget* focus = QApplication::focusWidget();
+    if (focus == edit_ || focus == types_) {
+        setFocus(Qt::OtherFocusReason);
+        return true;
+    }
+    return QTableWidget::focusNextPrevChild(next);
 }
 
 // Return or F2 on a selected cell acts as a click on it, so the table works from the keyboard.

@@ -31,6 +31,9 @@ public:
     // Each column as wide as its contents plus a share of the table's width.
     void fit_columns(const std::vector<double>& extra_share);
 
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
     QLineEdit* edit_box() const { return edit_; }
     QComboBox* type_box() const { return types_; }
 
@@ -42,9 +45,14 @@ signals:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    void refit_columns();
+
+    std::vector<double> extra_share_;
     QLineEdit* edit_;
     QComboBox* types_;
 };

@@ -273,7 +273,9 @@ void graph_widget::paint_series(QPainter& p, const pixel_frame& f) const {
     std::vector<QPointF> piece;
     piece.reserve(series_.x.size());
     for (std::size_t s = 0; s < series_.y.size(); ++s) {
-        p.setPen(QPen(colours[s % 4], 1.5));
+        // A one-pixel (cosmetic) pen: wider pens take the painter's stroker, which made the
+        // curves most of the cost of a redraw.
+        p.setPen(QPen(colours[s % 4], 0));
         const auto& ys = series_.y[s];
         piece.clear();
         auto flush = [&] {

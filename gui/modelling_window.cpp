@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QStatusBar>
 #include <QTabWidget>
@@ -19,10 +20,13 @@
 
 #include <cmath>
 
+#include "body_frame.h"
 #include "body_menus.h"
+#include "body_slider_frame.h"
 #include "exports/bitmap_file.h"
 #include "io/profile_data_export.h"
 #include "support/number_format.h"
+#include "workspace/body_list.h"
 #include "workspace/body_table.h"
 #include "workspace/model_edit.h"
 
@@ -162,7 +166,7 @@ void modelling_window::connect_field(const QString& name) {
 
 QWidget* modelling_window::build_tabs() {
     tabs_ = named(new QTabWidget, "Tab_model");
-    tabs_->setFixedWidth(310);
+    tabs_->setFixedWidth(440);
 
     auto* definitions = new QWidget;
     auto* dl = new QVBoxLayout(definitions);
@@ -193,26 +197,27 @@ QWidget* modelling_window::build_tabs() {
 
     auto* bodies = new QWidget;
     auto* bl = new QVBoxLayout(bodies);
-    auto* body_box = named(new QGroupBox("Current body"), "Frame_body");
-    auto* bf = new QFormLayout(body_box);
-    // No body is added from this window yet: the new body type is kept for the logic, unseen.
-    named(new QComboBox(body_box), "Combo_model_type")->hide();
-    field(bf, "Text_body_name", "Name");
-    field(bf, "Text_body_rock_type", "Rock type");
-    field(bf, "Text_body_description", "Description");
-    field(bf, "Text_Shell_Thickness", "Shell thickness");
-    field(bf, "Text_End_Thickness", "End thickness");
-    field(bf, "Text_num_sectors", "Sectors");
-    field(bf, "Text_num_segments", "Segments");
-    field(bf, "Text_max_triangle_size", "Largest triangle");
+    auto* body_box = new body_frame(ws_);
+    connect(body_box, &body_frame::type_chosen, this,
+            [this](int type) { combo_model_type_selected(ws_, type); });
     bl->addWidget(body_box);
     bl->addWidget(build_body_switches(ws_));
     auto* label = named(new QCheckBox("Show body label"), "Check_show_body_label");
     connect(label, &QCheckBox::clicked, this, [this] { check_show_body_label(ws_); });
     bl->addWidget(label);
+    auto* toggle = named(new QPushButton("Perform Inversion"), "Command_toggle_invert_body");
+    connect(toggle, &QPushButton::clicked, this, [this] { command_toggle_invert_body(ws_); });
+    bl->addWidget(toggle);
+    bl->addWidget(new body_slider_frame(ws_));
     bl->addWidget(build_inversion_panel());
     bl->addStretch();
-    tabs_->addTab(bodies, "Bodies");
+    // The body's table, fields, sliders and inversion panel are taller than a small window.
+    auto* scroll = new QScrollArea;
+    scroll->setWidget(bodies);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    tabs_->addTab(scroll, "Bodies");
 
     auto* display = new QWidget;
     auto* xl = new QVBoxLayout(display);
@@ -248,13 +253,11 @@ QWidget* modelling_window::build_tabs() {
     return tabs_;
 }
 
-// The inversion panel. The slider frame it takes turns with, and the button that toggles the
-// two, are kept hidden until the window has sliders: the panel alone is always in place.
+// The inversion panel: it takes the slider frame's place when Command_toggle_invert_body asks.
 QWidget* modelling_window::build_inversion_panel() {
     auto* panel = named(new QGroupBox("Inversion"), "Frame_inversion");
     auto* pl = new QVBoxLayout(panel);
-    named(new QGroupBox("Move body", panel), "Frame_move_body")->hide();
-    named(new QPushButton("Perform Inversion", panel), "Command_toggle_invert_body")->hide();
+    panel->hide();
 
     auto* form = new QFormLayout;
     field(form, "Text_max_iterations", "Max Iterations");

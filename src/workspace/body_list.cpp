@@ -235,10 +235,9 @@ void delete_picked_body(modelling_workspace& ws) {
     menu_delete_body(ws, delete_current);
 }
 
-void combo_model_type_selected(modelling_workspace& ws, int item) {
-    if (ws.updating_display || item < 0 || item >= static_cast<int>(offered_body_types.size()))
-        return;
-    const int type = offered_body_types[static_cast<std::size_t>(item)];
+void combo_model_type_selected(modelling_workspace& ws, int type) {
+    if (ws.updating_display) return;
+    if (type != thin_sheet && type != thick_sheet && type != cylinder_pipe) return;
     {
         display_guard guard(ws);
         ws.view->set_visible("Combo_model_type", false);

@@ -12,19 +12,13 @@
 //   menu_delete_body(ws, delete_current);
 #pragma once
 
-#include <array>
 #include <cstdint>
 
-#include "core/body_catalogue.h"
 #include "core/model_record.h"
 
 namespace trensil {
 
 struct modelling_workspace;
-
-// The body types Combo_model_type offers, by item ("Thin Sheet", "Thick Sheet",
-// "Cylinder/Pipe"): only these can be chosen, though model files know others.
-inline constexpr std::array<int, 3> offered_body_types{thin_sheet, thick_sheet, cylinder_pipe};
 
 // Items of menu_add_body: "Add a new body", "Copy current body", "Split current body".
 enum add_kind : int { add_new = 0, add_copy = 1, add_split = 2 };
@@ -76,8 +70,9 @@ void menu_add_body(modelling_workspace& ws, int item);
 void menu_delete_body(modelling_workspace& ws, int item);
 // The Delete key on a picked body: asks first, then deletes the current body.
 void delete_picked_body(modelling_workspace& ws);
-// Combo_model_type chose its item `item` for the current body.
-void combo_model_type_selected(modelling_workspace& ws, int item);
+// Combo_model_type chose body type `type` (1, 2 or 16; another code is ignored) for the current
+// body.
+void combo_model_type_selected(modelling_workspace& ws, int type);
 void menu_sort_bodies(modelling_workspace& ws, int item);
 // Asks for the distance and shifts every body by it; less than 1 either way does nothing.
 void menu_shift_bodies(modelling_workspace& ws);

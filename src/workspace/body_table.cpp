@@ -8,7 +8,6 @@
 #include "response/strike_frame.h"
 #include "support/number_format.h"
 #include "support/text_tokens.h"
-#include "workspace/body_list.h"
 #include "workspace/model_edit.h"
 #include "workspace/modelling_workspace.h"
 
@@ -69,6 +68,9 @@ const row_rule& rule_of(int row) {
 bool unused_by_cylinder(int row) {
     return row == row_depth_extent || row == row_plunge || row == row_slope;
 }
+
+// The body types Combo_model_type offers, by item.
+constexpr int offered_types[] = {thin_sheet, thick_sheet, cylinder_pipe};
 
 body_record* current_body(modelling_workspace& ws) {
     const int current = ws.section.current_body;
@@ -270,6 +272,25 @@ void clear_body_parameters(modelling_workspace& ws) {
     view.set_scroll("HScroll_body", 0, 0, 0);
 }
 
+int offered_body_type(int item) {
+    return item >= 0 && item < 3 ? offered_types[item] : 0;
+}
+
+void text_body_colour_double_click(modelling_workspace& ws) {
+    if (ws.updating_display) return;
+    body_record* found = current_body(ws);
+    if (!found) return;
+    const auto chosen = ws.ui.choose_colour(found->colour);
+    if (!chosen) return;
+    {
+        model_edit edit(ws, "Colour of Body " + std::to_string(ws.section.current_body));
+        found->colour = *chosen;
+        edit.commit();
+    }
+    display_body_parameters(ws);
+    display_model(ws, 1);
+}
+
 void grid_body_click(modelling_workspace& ws, int row, int column) {
     if (ws.updating_display) return;
     body_record* found = current_body(ws);
@@ -282,9 +303,8 @@ void grid_body_click(modelling_workspace& ws, int row, int column) {
     if (row == row_type && column == cell_value) {
         display_guard guard(ws);
         lay_over_cell(ws, "Combo_model_type");
-        for (std::size_t item = 0; item < offered_body_types.size(); ++item)
-            if (offered_body_types[item] == b.type)
-                view.select_item("Combo_model_type", static_cast<int>(item));
+        for (int item = 0; item < 3; ++item)
+            if (offered_types[item] == b.type) view.select_item("Combo_model_type", item);
         view.set_visible("Combo_model_type", true);
         view.set_focus("Combo_model_type");
         return;

@@ -50,6 +50,13 @@ void display_body_parameters(modelling_workspace& ws);
 // Empties the table and the body's fields: no body to show.
 void clear_body_parameters(modelling_workspace& ws);
 
+// The body type of item `item` of Combo_model_type: thin sheet, thick sheet, cylinder/pipe.
+int offered_body_type(int item);
+
+// A double click on Text_body_colour: the colour chooser, the chosen colour stored in the
+// current body as an edit, the body redrawn.
+void text_body_colour_double_click(modelling_workspace& ws);
+
 // A click on cell (row, column) of Grid_body.
 void grid_body_click(modelling_workspace& ws, int row, int column);
 // Text_edit left (Return or focus elsewhere): commits its text into the cell under edit.

@@ -1,4 +1,5 @@
 #include "inversion/inversion_session.h"
+#include "workspace/body_table.h"
 #include "workspace/model_edit.h"
 #include "workspace/modelling_workspace.h"
 #include "workspace/workspace_inversion_view.h"
@@ -64,6 +65,12 @@ void command_restore_best(modelling_workspace& ws) {
     model_edit edit(ws, "Restore Best Model");
     with_context(ws, [](inversion_context& ctx) { on_restore_best(ctx); });
     edit.commit();
+}
+
+void command_toggle_invert_body(modelling_workspace& ws) {
+    if (ws.updating_display || ws.inversion_running) return;
+    commit_pending_edit(ws);
+    with_context(ws, [](inversion_context& ctx) { on_toggle_invert_panel(ctx); });
 }
 
 void check_inversion_mode_clicked(modelling_workspace& ws) {

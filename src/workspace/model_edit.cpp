@@ -63,6 +63,21 @@ void show_restored(modelling_workspace& ws, const std::vector<body_definition>& 
     show_edit_menu(ws);
 }
 
+// Undoes the last step, or redoes the last undone one when `forward`.
+void step_through_history(modelling_workspace& ws, bool forward) {
+    if (ws.updating_display || ws.inversion_running) return;
+    const edit_step* step = forward ? ws.history.next_redo() : ws.history.next_undo();
+    if (!step) return;
+    const auto target = step_definitions(*step, body_definitions(ws.model), forward);
+    const int current = forward ? step->current_after : step->current_before;
+    if (forward) {
+        ws.history.redone();
+    } else {
+        ws.history.undone();
+    }
+    show_restored(ws, target, current);
+}
+
 }  // namespace
 
 model_edit::model_edit(modelling_workspace& ws, std::string label, std::string merge_key)
@@ -92,23 +107,11 @@ bool model_edit::commit(bool mark_model_changed) {
 }
 
 void menu_undo(modelling_workspace& ws) {
-    if (ws.updating_display || ws.inversion_running) return;
-    const edit_step* step = ws.history.next_undo();
-    if (!step) return;
-    const auto target = step_definitions(*step, body_definitions(ws.model), false);
-    const int current = step->current_before;
-    ws.history.undone();
-    show_restored(ws, target, current);
+    step_through_history(ws, false);
 }
 
 void menu_redo(modelling_workspace& ws) {
-    if (ws.updating_display || ws.inversion_running) return;
-    const edit_step* step = ws.history.next_redo();
-    if (!step) return;
-    const auto target = step_definitions(*step, body_definitions(ws.model), true);
-    const int current = step->current_after;
-    ws.history.redone();
-    show_restored(ws, target, current);
+    step_through_history(ws, true);
 }
 
 void show_edit_menu(modelling_workspace& ws) {

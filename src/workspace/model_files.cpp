@@ -61,9 +61,10 @@ void reset_form_display(modelling_workspace& ws) {
     forget_best_model(ws.inversion);
     // Steps of another model cannot be undone on this one.
     clear_edit_history(ws);
-    // The window has no slider frame yet: the inversion panel stays in its place and the toggle
-    // between the two stays hidden.
+    // The sliders are on show, the inversion panel a click away.
     view.set_text("Command_toggle_invert_body", "Perform Inversion");
+    view.set_visible("Frame_move_body", true);
+    view.set_visible("Frame_inversion", false);
     ws.graph_view.graph_ranges_valid = 0;
 }
 

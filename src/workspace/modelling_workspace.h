@@ -134,6 +134,8 @@ void command_stop_inversion(modelling_workspace& ws);
 void command_reject_changes(modelling_workspace& ws);
 void command_restore_best(modelling_workspace& ws);
 void check_inversion_mode_clicked(modelling_workspace& ws);
+// Command_toggle_invert_body: the slider frame and the inversion panel take turns.
+void command_toggle_invert_body(modelling_workspace& ws);
 void combo_invert_selected(modelling_workspace& ws);
 
 // --- Display ----------------------------------------------------------------------------------

@@ -64,6 +64,9 @@ void workspace_inversion_view::set_enabled(inversion_control control, bool enabl
 
 void workspace_inversion_view::set_visible(inversion_control control, bool visible) {
     ws_.view->set_visible(inversion_control_name(control, 0), visible);
+    // The inversion panel takes the slider frame's place.
+    if (control == inversion_control::Frame_move_body)
+        ws_.view->set_visible("Frame_inversion", !visible);
 }
 
 bool workspace_inversion_view::is_visible(inversion_control control) const {

@@ -1,6 +1,6 @@
 // One application for the whole offscreen test program, whichever test comes first. It is
-// destroyed when the tests end, before the program's exit handlers: destroyed among them, after
-// the input devices that the simulated pointer and keys registered, it crashes.
+// deleted when the tests end, before the program's static objects go: Qt's own tables (the input
+// devices that simulated clicks create) must outlive it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -9,18 +9,20 @@
 
 namespace trensil {
 
+class application_environment : public ::testing::Environment {
+public:
+    void TearDown() override { delete QApplication::instance(); }
+};
+
+inline ::testing::Environment* const application_teardown =
+    ::testing::AddGlobalTestEnvironment(new application_environment);
+
 inline void application() {
     if (QApplication::instance()) return;
     static int argc = 1;
     static char name[] = "test_gui";
     static char* argv[] = {name, nullptr};
-    struct application_environment : ::testing::Environment {
-        QApplication* app = nullptr;
-        void TearDown() override { delete app; }
-    };
-    auto* environment = new application_environment;
-    environment->app = new QApplication(argc, argv);
-    ::testing::AddGlobalTestEnvironment(environment);
+    new QApplication(argc, argv);
 }
 
 }  // namespace trensil

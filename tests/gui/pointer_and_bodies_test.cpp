@@ -7,12 +7,14 @@
 #include <QApplication>
 #include <QMouseEvent>
 #include <QTest>
+#include <cmath>
 #include <filesystem>
 
 #include "../workspace/workspace_files.h"
 #include "gui_application.h"
 #include "modelling_window.h"
 #include "support/memory_settings_store.h"
+#include "support/number_format.h"
 #include "support/scripted_platform.h"
 #include "test_paths.h"
 
@@ -65,8 +67,10 @@ TEST_F(pointer_window_test, clicking_an_outline_picks_its_body) {
     EXPECT_EQ(window_->text("Text_body_name"), ws().model.body(2).name);
     QTest::mouseMove(section(), at(1250.0, -100.0));
     // The readout: the distance under the pointer (to a pixel) and the station at or before it.
-    EXPECT_NEAR(std::stod(window_->status_text(4)), 1250.0, 5.0);
-    EXPECT_EQ(window_->status_text(2), "501250.0");
+    const double distance = std::stod(window_->status_text(4));
+    EXPECT_NEAR(distance, 1250.0, 5.0);
+    const double station_east = 500000.0 + 10.0 * std::floor(distance / 10.0);
+    EXPECT_EQ(window_->status_text(2), format_fixed(station_east, 1));
     // A click beside every outline leaves the choice alone.
     QTest::mouseClick(section(), Qt::LeftButton, Qt::NoModifier, at(200.0, -500.0));
     EXPECT_EQ(ws().section.current_body, 2);

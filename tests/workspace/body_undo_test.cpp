@@ -31,7 +31,8 @@ std::vector<command> every_command() {
              f.ws.section.current_body = 1;
              menu_add_body(f.ws, add_split);
          }},
-        {"Type of Body 2", [](editing_fixture& f) { combo_model_type_selected(f.ws, 2); }},
+        {"Type of Body 2",
+         [](editing_fixture& f) { combo_model_type_selected(f.ws, cylinder_pipe); }},
         {"Send Body 2 to End", [](editing_fixture& f) { menu_sort_bodies(f.ws, send_to_end); }},
         {"Sort Bodies by Descending Distance",
          [](editing_fixture& f) { menu_sort_bodies(f.ws, sort_descending); }},
@@ -129,7 +130,7 @@ TEST(body_undo, commands_that_change_nothing_leave_no_step) {
     menu_sort_bodies(f.ws, send_to_start);  // already first
     EXPECT_EQ(f.ui.messages.back(), "The body has been moved");
     menu_set_demag_flags(f.ws, flag_clear);  // all are 0
-    combo_model_type_selected(f.ws, 1);
+    combo_model_type_selected(f.ws, thick_sheet);
     f.ws.model.body(1).strike.value = 90.0f;  // along the profile: no copy
     menu_add_body(f.ws, add_copy);
     EXPECT_EQ(f.ws.history.undo_count(), 0u);

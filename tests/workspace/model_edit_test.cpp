@@ -59,9 +59,10 @@ void sort_by_distance(model_record& m, bool descending) {
     });
 }
 
-// One of the edits a user makes, chosen by `rng`: a property value, a flag or limit, a text, an
-// added, deleted or re-ordered body, a type change, the off switch or demagnetisation.
-std::string random_edit(editing_fixture& f, std::mt19937& rng) {
+// One of the edits a user makes, chosen by `rng`: the shape, the magnetic or gravity properties,
+// inversion flags, limits and texts, an added, deleted or re-ordered body, a type change, the off
+// switch and demagnetisation. The body's flags go as the edit rules clear them.
+void random_edit(editing_fixture& f, std::mt19937& rng) {
     model_record& m = f.ws.model;
     const auto pick = [&](int lo, int hi) { return std::uniform_int_distribution(lo, hi)(rng); };
     const auto real = [&](float lo, float hi) {
@@ -69,54 +70,46 @@ std::string random_edit(editing_fixture& f, std::mt19937& rng) {
     };
     const int b = pick(1, m.num_bodies);
     body_record& body = m.body(b);
-    switch (pick(0, 9)) {
+    switch (pick(0, 8)) {
         case 0:
             body.distance.value = real(100.0f, 1100.0f);
             locate_body_on_profile(m.profile, body.distance.value, body.east, body.north);
-            shape_edited(body);
-            return "distance";
-        case 1:
             body.dip.value = real(30.0f, 150.0f);
             body.width.value = real(10.0f, 80.0f);
-            shape_edited(body);
-            return "dip and width";
-        case 2:
+            return shape_edited(body);
+        case 1:
             body.susc.value = real(1000.0f, 80000.0f);
             body.rem_q.value = real(0.0f, 2.0f);
             body.mag_valid = 0;
             body.magnetisation = -1.0f;
-            return "susc";
-        case 3:
+            return;
+        case 2:
             body.density.value = real(2.0f, 3.2f);
             body.grav_valid = 0;
-            return "density";
-        case 4:
+            return;
+        case 3:
             body.property(pick(0, 14)).vary = static_cast<float>(pick(0, 1));
             body.top.min = real(-100.0f, 0.0f);
             body.name = "renamed " + std::to_string(pick(0, 99));
-            return "vary, limit, name";
+            return;
+        case 4:
+            if (m.num_bodies < 12) insert_copy(m, b);
+            return;
         case 5:
-            if (m.num_bodies >= 12) return "none";
-            insert_copy(m, b);
-            return "add";
-        case 6:
-            if (m.num_bodies <= 1) return "none";
+            if (m.num_bodies < 2) return;
             remove_body(m, b);
             f.ws.section.current_body = std::min(f.ws.section.current_body, m.num_bodies);
-            return "delete";
+            return;
+        case 6:
+            return sort_by_distance(m, pick(0, 1) == 1);
         case 7:
-            sort_by_distance(m, pick(0, 1) == 1);
-            return "sort";
-        case 8:
             body.type = body.type == cylinder_pipe ? thick_sheet : cylinder_pipe;
             body.dip.value += body.type == cylinder_pipe ? -90.0f : 90.0f;
-            shape_edited(body);
-            return "type";
+            return shape_edited(body);
         default:
             body.disabled = 1 - body.disabled;
             body.demag = 1 - body.demag;
-            shape_edited(body);
-            return "off switch and demagnetisation";
+            return shape_edited(body);
     }
 }
 
