@@ -373,6 +373,7 @@ void commit_pending_edit(modelling_workspace& ws) {
 }
 
 void text_edit_cancel(modelling_workspace& ws) {
+    if (ws.updating_display) return;
     display_guard guard(ws);
     ws.view->set_visible("Text_edit", false);
 }
