@@ -6,9 +6,9 @@
 #include <QApplication>
 #include <QImage>
 #include <QPainter>
-#include <cstdlib>
 
 #include "modelling_window.h"
+#include "offscreen_benchmarks.h"
 #include "support/memory_settings_store.h"
 #include "support/scripted_platform.h"
 #include "test_paths.h"
@@ -45,14 +45,6 @@ BENCHMARK(redraw_five_graphs)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
-// The application lives in main, so that it is gone before the program's static objects are.
 int main(int argc, char** argv) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 0);
-    int app_argc = 1;
-    QApplication app(app_argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return trensil::run_offscreen_benchmarks(argc, argv);
 }

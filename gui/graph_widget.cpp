@@ -178,6 +178,17 @@ float graph_widget::font_height() const {
     return static_cast<float>(QFontMetricsF(font()).height());
 }
 
+std::vector<double> graph_widget::tick_values(double lo, double hi, double step) {
+    std::vector<double> values;
+    step = clean_step(step);
+    if (!(step > 0.0) || (hi - lo) / step > 200.0) return values;
+    // An axis rounded in single precision may end a hair short of its last tick: a tick within
+    // a ten-thousandth of a step of either end is still drawn.
+    for (double v = std::ceil(lo / step - 1e-4) * step; v <= hi + step * 1e-4; v += step)
+        values.push_back(v);
+    return values;
+}
+
 int graph_widget::polygon_at(QPointF pixel) const {
     if (!plot_rect().contains(pixel)) return 0;
     const QPointF w = to_world(pixel);
@@ -226,9 +237,7 @@ void graph_widget::paint_axes(QPainter& p, const pixel_frame& f) const {
     p.setPen(QColor(210, 210, 210));
     auto ticks = [](double lo, double hi, double step, auto&& each) {
         step = clean_step(step);
-        if (!(step > 0.0) || (hi - lo) / step > 200.0) return;
-        for (double v = std::ceil(lo / step - 1e-6) * step; v <= hi + step * 1e-6; v += step)
-            each(v, step);
+        for (double v : tick_values(lo, hi, step)) each(v, step);
     };
     double last_label_right = -1e300;
     ticks(x0, x1, x_tick_step, [&](double v, double step) {
@@ -264,7 +273,9 @@ void graph_widget::paint_series(QPainter& p, const pixel_frame& f) const {
     std::vector<QPointF> piece;
     piece.reserve(series_.x.size());
     for (std::size_t s = 0; s < series_.y.size(); ++s) {
-        p.setPen(QPen(colours[s % 4], 1.5));
+        // A one-pixel (cosmetic) pen: wider pens take the painter's stroker, which made the
+        // curves most of the cost of a redraw.
+        p.setPen(QPen(colours[s % 4], 0));
         const auto& ys = series_.y[s];
         piece.clear();
         auto flush = [&] {

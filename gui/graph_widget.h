@@ -30,6 +30,8 @@ public:
     int height() const override { return QWidget::height(); }
     float y_scale() const override;
     float font_height() const override;
+    float plot_left() const override { return static_cast<float>(plot_rect().left()); }
+    float plot_width() const override { return static_cast<float>(plot_rect().width()); }
 
     // What the graph holds, for tests and captures.
     const plot_data& series() const { return series_; }
@@ -38,6 +40,8 @@ public:
     int polygon_at(QPointF pixel) const;
     // The plot rectangle inside the axes, in pixels.
     QRectF plot_rect() const;
+    // The ticks of an axis from lo to hi at `step` (rounded to three significant digits).
+    static std::vector<double> tick_values(double lo, double hi, double step);
     // World position of a pixel of the widget.
     QPointF to_world(QPointF pixel) const;
     QPointF to_pixel(double x, double y) const;

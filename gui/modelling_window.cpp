@@ -13,16 +13,25 @@
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
 #include <utility>
 
+#include <cmath>
+
+#include "body_frame.h"
+#include "body_menus.h"
+#include "body_slider_frame.h"
 #include "exports/bitmap_file.h"
 #include "io/profile_data_export.h"
 #include "support/number_format.h"
 #include "transform_dialog.h"
+#include "workspace/body_list.h"
+#include "workspace/body_table.h"
+#include "workspace/model_edit.h"
 #include "workspace/transform_definition.h"
 
 namespace trensil {
@@ -44,14 +53,6 @@ QLineEdit* field(QFormLayout* form, const QString& name, const QString& label) {
     return edit;
 }
 
-// A vertical bar that works as a spin: one step up or down, then back to 0.
-QScrollBar* spin_bar(const QString& name) {
-    auto* bar = named(new QScrollBar(Qt::Vertical), name);
-    bar->setRange(-1, 1);
-    bar->setValue(0);
-    bar->setFixedWidth(14);
-    return bar;
-}
 }  // namespace
 
 modelling_window::modelling_window(platform& ui, settings_store& settings, bool opened_from_project,
@@ -120,11 +121,20 @@ void modelling_window::build_menus() {
     file->addSeparator();
     add(file, "menu_exit", "Exit", [this] { close(); })->setShortcut(QKeySequence::Quit);
 
+    QMenu* edit = menuBar()->addMenu("&Edit");
+    edit->menuAction()->setObjectName("menu_edit");
+    edit->menuAction()->setParent(this);
+    add(edit, "menu_undo", "Undo", [this] { menu_undo(ws_); })->setShortcut(QKeySequence::Undo);
+    add(edit, "menu_redo", "Redo", [this] {
+        menu_redo(ws_);
+    })->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z));
+
     QMenu* bodies = menuBar()->addMenu("&Bodies");
     bodies->menuAction()->setObjectName("menu_bodies");
     bodies->menuAction()->setParent(this);
     add(bodies, "menu_save_body_defaults", "Save current body parameters as default",
         [this] { save_body_defaults(ws_); });
+    add_body_list_menus(bodies, ws_, this);
     QMenu* model = menuBar()->addMenu("&Model");
     model->menuAction()->setObjectName("menu_model");
     model->menuAction()->setParent(this);
@@ -158,7 +168,7 @@ void modelling_window::connect_field(QLineEdit* edit) {
 
 QWidget* modelling_window::build_tabs() {
     tabs_ = named(new QTabWidget, "Tab_model");
-    tabs_->setFixedWidth(310);
+    tabs_->setFixedWidth(440);
 
     auto* definitions = new QWidget;
     auto* dl = new QVBoxLayout(definitions);
@@ -193,25 +203,27 @@ QWidget* modelling_window::build_tabs() {
 
     auto* bodies = new QWidget;
     auto* bl = new QVBoxLayout(bodies);
-    auto* body_box = named(new QGroupBox("Current body"), "Frame_body");
-    auto* bf = new QFormLayout(body_box);
-    // No body is added from this window yet: the new body type is kept for the logic, unseen.
-    named(new QComboBox(body_box), "Combo_model_type")->hide();
-    field(bf, "Text_body_name", "Name");
-    field(bf, "Text_body_rock_type", "Rock type");
-    field(bf, "Text_body_description", "Description");
-    field(bf, "Text_Shell_Thickness", "Shell thickness");
-    field(bf, "Text_End_Thickness", "End thickness");
-    field(bf, "Text_num_sectors", "Sectors");
-    field(bf, "Text_num_segments", "Segments");
-    field(bf, "Text_max_triangle_size", "Largest triangle");
+    auto* body_box = new body_frame(ws_);
+    connect(body_box, &body_frame::type_chosen, this,
+            [this](int type) { combo_model_type_selected(ws_, type); });
     bl->addWidget(body_box);
+    bl->addWidget(build_body_switches(ws_));
     auto* label = named(new QCheckBox("Show body label"), "Check_show_body_label");
     connect(label, &QCheckBox::clicked, this, [this] { check_show_body_label(ws_); });
     bl->addWidget(label);
+    auto* toggle = named(new QPushButton("Perform Inversion"), "Command_toggle_invert_body");
+    connect(toggle, &QPushButton::clicked, this, [this] { command_toggle_invert_body(ws_); });
+    bl->addWidget(toggle);
+    bl->addWidget(new body_slider_frame(ws_));
     bl->addWidget(build_inversion_panel());
     bl->addStretch();
-    tabs_->addTab(bodies, "Bodies");
+    // The body's table, fields, sliders and inversion panel are taller than a small window.
+    auto* scroll = new QScrollArea;
+    scroll->setWidget(bodies);
+    scroll->setWidgetResizable(true);
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    tabs_->addTab(scroll, "Bodies");
 
     auto* display = new QWidget;
     auto* xl = new QVBoxLayout(display);
@@ -247,13 +259,11 @@ QWidget* modelling_window::build_tabs() {
     return tabs_;
 }
 
-// The inversion panel. The slider frame it takes turns with, and the button that toggles the
-// two, are kept hidden until the window has sliders: the panel alone is always in place.
+// The inversion panel: it takes the slider frame's place when Command_toggle_invert_body asks.
 QWidget* modelling_window::build_inversion_panel() {
     auto* panel = named(new QGroupBox("Inversion"), "Frame_inversion");
     auto* pl = new QVBoxLayout(panel);
-    named(new QGroupBox("Move body", panel), "Frame_move_body")->hide();
-    named(new QPushButton("Perform Inversion", panel), "Command_toggle_invert_body")->hide();
+    panel->hide();
 
     auto* form = new QFormLayout;
     field(form, "Text_max_iterations", "Max Iterations");
@@ -342,40 +352,12 @@ QWidget* modelling_window::build_graphs() {
     al->setContentsMargins(0, 0, 0, 0);
     al->setSpacing(2);
 
-    graph_stack_ = new QWidget;
-    graph_stack_->setObjectName("graph_stack");
-    auto* sl = new QVBoxLayout(graph_stack_);
-    sl->setContentsMargins(0, 0, 0, 0);
-    sl->setSpacing(2);
-    auto graph_row = [this](int i) {
-        auto* row = new QWidget;
-        auto* rl = new QHBoxLayout(row);
-        rl->setContentsMargins(0, 0, 0, 0);
-        rl->setSpacing(1);
-        graphs_[static_cast<std::size_t>(i)] =
-            named(new graph_widget, QString("zngraph_model_%1").arg(i));
-        graph_widget* g = graphs_[static_cast<std::size_t>(i)];
-        rl->addWidget(g, 1);
-        auto* bars = new QVBoxLayout;
-        QScrollBar* zoom = spin_bar(QString("VScroll_zoom_%1").arg(i));
-        QScrollBar* pan = spin_bar(QString("VScroll_pan_%1").arg(i));
-        // Up on the bar is a step up: zoom in, move the view up.
-        connect(zoom, &QScrollBar::valueChanged, this,
-                [this, i](int v) { vscroll_zoom_changed(ws_, i, -v); });
-        connect(pan, &QScrollBar::valueChanged, this,
-                [this, i](int v) { vscroll_pan_changed(ws_, i, -v); });
-        bars->addWidget(zoom, 1);
-        bars->addWidget(pan, 1);
-        rl->addLayout(bars);
-        connect(g, &graph_widget::pointer_moved, this, [this, i](bool outside, double x, double y) {
-            pointer_on_graph(i, outside, x, y);
-        });
-        if (i == section_graph) {
-            g->display_legend = true;
-            connect(g, &graph_widget::object_clicked, this, [this](int n) { pick_body(n); });
-        }
-        return row;
-    };
+    graph_area_ = new graph_area(ws_);
+    for (int i = 0; i < graph_count; ++i)
+        graphs_[static_cast<std::size_t>(i)] = graph_area_->graph(i);
+    plan_ = graph_area_->plan();
+    al->addWidget(graph_area_, 1);
+
     auto frame = [](const QString& name) {
         auto* f = named(new QFrame, name);
         auto* fl = new QVBoxLayout(f);
@@ -383,35 +365,6 @@ QWidget* modelling_window::build_graphs() {
         fl->setSpacing(2);
         return f;
     };
-    QFrame* mag = frame("Frame_mag_profiles");
-    mag->layout()->addWidget(graph_row(0));
-    mag->layout()->addWidget(graph_row(1));
-    QFrame* grav = frame("Frame_grav_profiles");
-    grav->layout()->addWidget(graph_row(2));
-    grav->layout()->addWidget(graph_row(3));
-    QFrame* section = frame("Frame_section");
-    section->layout()->addWidget(graph_row(4));
-    sl->addWidget(mag, 2);
-    sl->addWidget(grav, 2);
-    sl->addWidget(section, 2);
-    al->addWidget(graph_stack_, 1);
-
-    QFrame* plan = frame("Frame_plan");
-    plan_ = named(new graph_widget, "zngraph_plan");
-    plan->layout()->addWidget(plan_);
-    connect(plan_, &graph_widget::object_clicked, this, [this](int n) { pick_body(n); });
-    connect(plan_, &graph_widget::pointer_moved, this, [this](bool outside, double x, double y) {
-        set_status(1, "Plan View");
-        for (int p = 2; p <= 5; ++p) set_status(p, "");
-        if (outside) return;
-        set_status(2, format_fixed(x, 1));
-        set_status(3, format_fixed(y, 1));
-        set_status(4, format_fixed(x, 2));
-        set_status(5, format_fixed(y, 2));
-    });
-    plan->hide();
-    al->addWidget(plan, 1);
-
     auto* base = frame("Frame_base_levels");
     auto* bl = new QHBoxLayout;
     bl->addWidget(new QLabel("Mag base"));
@@ -448,42 +401,6 @@ QWidget* modelling_window::build_graphs() {
     return area;
 }
 
-void modelling_window::pointer_on_graph(int index, bool outside, double x, double y) {
-    static const char* names[] = {"Residual Mag Data", "Vertical Mag Gradient",
-                                  "Residual Grav Data", "Vertical Grav Gradient"};
-    graph_widget* g = graphs_[static_cast<std::size_t>(index)];
-    if (index < section_graph) {
-        set_status(1, names[index]);
-    } else if (g->yaxismin < g->yaxismax) {
-        const double stretch = (static_cast<double>(g->height()) / g->width()) /
-                               ((g->yaxismax - g->yaxismin) / (g->xaxismax - g->xaxismin));
-        set_status(1, "Model (Vertical stretch " + format_fixed(stretch, 2));
-    }
-    if (outside) {
-        set_status(4, "");
-        set_status(5, "");
-        return;
-    }
-    set_status(4, format_fixed(x, 2));
-    set_status(5, format_fixed(y, 4));
-    const profile_block& p = ws_.model.profile;
-    if (p.num_stations > 0) {
-        const int k = station_at_distance(p, static_cast<float>(x));
-        set_status(2, format_fixed(p.location(easting_row, k), 1));
-        set_status(3, format_fixed(p.location(northing_row, k), 1));
-    }
-}
-
-void modelling_window::pick_body(int polygon) {
-    model_record& m = ws_.model;
-    if (polygon < 1 || polygon > m.num_bodies) return;
-    const int b = m.body(polygon).display_index;
-    if (b < 1 || b == ws_.section.current_body) return;
-    ws_.section.current_body = b;
-    show_current_body(ws_);
-    display_model(ws_, 1);
-}
-
 void modelling_window::save_model_file() {
     if (menu_open_model(ws_, 1) == 0) emit model_saved();
 }
@@ -495,7 +412,7 @@ void modelling_window::define_coordinate_transform() {
 }
 
 QImage modelling_window::capture_graphs() {
-    QWidget* source = ws_.plan_shown ? static_cast<QWidget*>(plan_) : graph_stack_;
+    QWidget* source = ws_.plan_shown ? static_cast<QWidget*>(plan_) : graph_area_;
     return source->grab().toImage().convertToFormat(QImage::Format_RGB888);
 }
 
@@ -637,12 +554,84 @@ void modelling_window::set_status(int panel, const std::string& text) {
     if (panel >= 1 && panel <= 6) status_[static_cast<std::size_t>(panel - 1)]->setText(q(text));
 }
 
+std::string modelling_window::status_text(int panel) const {
+    if (panel < 1 || panel > 6) return {};
+    return status_[static_cast<std::size_t>(panel - 1)]->text().toStdString();
+}
+
+void modelling_window::set_geometry(const std::string& name, float left, float top, float width,
+                                    float height) {
+    const double pixel = ws_.pointer.twips_per_pixel;
+    const QRect rect(static_cast<int>(std::lround(left / pixel)),
+                     static_cast<int>(std::lround(top / pixel)),
+                     static_cast<int>(std::lround(width / pixel)),
+                     static_cast<int>(std::lround(height / pixel)));
+    if (graph_area_ && graph_area_->place(q(name), rect)) return;
+    if (auto* widget = qobject_cast<QWidget*>(control(name))) widget->setGeometry(rect);
+}
+
 void modelling_window::set_caption(const std::string& caption) {
     setWindowTitle(q(caption));
 }
 
 void modelling_window::resize_form(int width, int height) {
     resize(width, height);
+}
+
+body_table_widget* modelling_window::grid(const std::string& name) const {
+    return findChild<body_table_widget*>(q(name));
+}
+
+void modelling_window::set_grid_text(const std::string& name, const std::string& text) {
+    if (body_table_widget* g = grid(name)) g->set_all_text(q(text));
+}
+
+std::string modelling_window::grid_cell(const std::string& name, int row, int column) const {
+    const body_table_widget* g = grid(name);
+    return g ? g->cell_text(row, column).toStdString() : std::string();
+}
+
+void modelling_window::set_grid_cell(const std::string& name, int row, int column,
+                                     const std::string& text) {
+    if (body_table_widget* g = grid(name)) g->set_cell_text(row, column, q(text));
+}
+
+view_rect modelling_window::grid_cell_rect(const std::string& name, int row, int column) const {
+    const body_table_widget* g = grid(name);
+    if (!g) return {};
+    const QRect r = g->cell_rect(row, column);
+    return {static_cast<double>(r.x()), static_cast<double>(r.y()), static_cast<double>(r.width()),
+            static_cast<double>(r.height())};
+}
+
+void modelling_window::fit_grid_columns(const std::string& name,
+                                        const std::vector<double>& extra_share) {
+    if (body_table_widget* g = grid(name)) g->fit_columns(extra_share);
+}
+
+view_rect modelling_window::control_rect(const std::string& name) const {
+    const auto* w = qobject_cast<const QWidget*>(control(name));
+    if (!w) return {};
+    const QPoint p = w->mapTo(this, QPoint(0, 0));
+    return {static_cast<double>(p.x()), static_cast<double>(p.y()), static_cast<double>(w->width()),
+            static_cast<double>(w->height())};
+}
+
+void modelling_window::set_control_rect(const std::string& name, const view_rect& rect) {
+    auto* w = qobject_cast<QWidget*>(control(name));
+    if (!w) return;
+    QPoint p(static_cast<int>(std::lround(rect.left)), static_cast<int>(std::lround(rect.top)));
+    if (QWidget* parent = w->parentWidget()) p = parent->mapFrom(this, p);
+    w->setGeometry(p.x(), p.y(), static_cast<int>(std::lround(rect.width)),
+                   static_cast<int>(std::lround(rect.height)));
+}
+
+void modelling_window::set_focus(const std::string& name) {
+    if (auto* w = qobject_cast<QWidget*>(control(name))) w->setFocus(Qt::OtherFocusReason);
+}
+
+void modelling_window::set_tooltip(const std::string& name, const std::string& text) {
+    if (auto* w = qobject_cast<QWidget*>(control(name))) w->setToolTip(q(text));
 }
 
 }  // namespace trensil

@@ -9,6 +9,8 @@
 #include <QTimer>
 #include <array>
 
+#include "body_table_widget.h"
+#include "graph_area.h"
 #include "graph_widget.h"
 #include "qt_platform.h"
 #include "workspace/modelling_workspace.h"
@@ -52,10 +54,23 @@ public:
     void select_tab(int index) override;
     int current_tab() const override;
     void set_status(int panel, const std::string& text) override;
+    std::string status_text(int panel) const override;
+    void set_geometry(const std::string& control, float left, float top, float width,
+                      float height) override;
     void set_caption(const std::string& caption) override;
     void resize_form(int width, int height) override;
     int form_width() const override { return QMainWindow::width(); }
     int form_height() const override { return QMainWindow::height(); }
+    void set_grid_text(const std::string& grid, const std::string& text) override;
+    std::string grid_cell(const std::string& grid, int row, int column) const override;
+    void set_grid_cell(const std::string& grid, int row, int column,
+                       const std::string& text) override;
+    view_rect grid_cell_rect(const std::string& grid, int row, int column) const override;
+    void fit_grid_columns(const std::string& grid, const std::vector<double>& extra_share) override;
+    view_rect control_rect(const std::string& control) const override;
+    void set_control_rect(const std::string& control, const view_rect& rect) override;
+    void set_focus(const std::string& control) override;
+    void set_tooltip(const std::string& control, const std::string& text) override;
 
 signals:
     // The model was saved to its file (the project window takes a project line's save back).
@@ -67,14 +82,13 @@ protected:
 
 private:
     QObject* control(const std::string& name) const;
+    body_table_widget* grid(const std::string& name) const;
     void build_menus();
     QWidget* build_tabs();
     QWidget* build_graphs();
     QWidget* build_inversion_panel();
     // The edit's changes go to model_field_changed under its name.
     void connect_field(QLineEdit* edit);
-    void pointer_on_graph(int index, bool outside, double x, double y);
-    void pick_body(int polygon);
     void save_model_file();
     void define_coordinate_transform();
 
@@ -82,7 +96,7 @@ private:
     workspace_inversion_view inversion_panel_;
     std::array<graph_widget*, graph_count> graphs_{};
     graph_widget* plan_ = nullptr;
-    QWidget* graph_stack_ = nullptr;
+    graph_area* graph_area_ = nullptr;
     QTabWidget* tabs_ = nullptr;
     int shown_tab_ = 0;
     std::array<QLabel*, 6> status_{};

@@ -1,6 +1,10 @@
-// One geological body of a model: its type, position, the fifteen adjustable properties, the
-// cylinder mesh settings, and the cached state of the response engine (field coefficients, mesh,
-// placed mesh, the body's own response at every station).
+// One geological body of a model: its definition (type, position, the fifteen adjustable
+// properties, the cylinder mesh settings), and the cached state of the response engine (field
+// coefficients, mesh, placed mesh, the body's own response at every station).
+//
+//   body_definition before = model.body(2);   // the user's part only
+//   model.body(2).dip.value = 45.0f;
+//   bool changed = !(before == model.body(2));
 #pragma once
 
 #include <array>
@@ -36,11 +40,13 @@ struct solid_cache {
     array2<double> placed_vertices;  // rows 1..3: easting, northing, elevation
 };
 
-struct body_record {
+// What the user edits and the model file stores of one body: type, position, colour and texts,
+// the flags, the fifteen properties and the cylinder mesh settings. Two definitions compare equal
+// field for field; an edit is a change of definitions, and undo puts definitions back.
+struct body_definition {
     std::int32_t type = 1;
     double east = 0.0;
     double north = 0.0;
-    float z_reference = 0.0f;
     std::int32_t colour = 0xff0000;
     std::string name;
     std::string rock_type;
@@ -73,6 +79,19 @@ struct body_record {
     std::int32_t num_sectors = 12;
     std::int32_t num_segments = 1;
     float max_triangle_size = 0.0f;
+
+    // The fifteen properties by position 0..14 in record order.
+    parameter& property(int index);
+    const parameter& property(int index) const;
+
+    bool operator==(const body_definition&) const = default;
+};
+
+// One body as the program holds it: its definition, and what the response engine and the
+// section derive from it (mesh, field coefficients, the body's response at every station, where
+// it was drawn).
+struct body_record : body_definition {
+    float z_reference = 0.0f;
     solid_cache solid;
 
     float cos_dip = 0.0f;
@@ -93,10 +112,6 @@ struct body_record {
     std::int16_t grav_valid = 0;  // -1: row 2 is current
     array2<float> body_response;  // rows 1..5 by stations 1..n
     std::int32_t display_index = 0;
-
-    // The fifteen properties by position 0..14 in record order.
-    parameter& property(int index);
-    const parameter& property(int index) const;
 };
 
 inline constexpr int body_property_count = 15;

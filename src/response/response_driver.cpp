@@ -103,13 +103,15 @@ void calculate_body_responses(model_record& model, response_state& state,
             for (int i = 1; i <= n; ++i) (*d)(i, 2) = no_display_value;
         }
     } else {
-        const bool mag_noted = model.magpos > 0 && any_stale(model, false);
-        const bool grav_noted = model.gravpos > 0 && any_stale(model, true);
+        const bool resum = state.channel_sums_stale;
+        const bool mag_noted = model.magpos > 0 && (resum || any_stale(model, false));
+        const bool grav_noted = model.gravpos > 0 && (resum || any_stale(model, true));
         if (mag_noted) clear_computed_rows(mag_channels, n);
         if (grav_noted) clear_computed_rows(grav_channels, n);
         if (mag_noted) rebuild_channel(model, state, false, mag_channels);
         if (grav_noted) rebuild_channel(model, state, true, grav_channels);
     }
+    state.channel_sums_stale = false;
 
     if (state.ui) state.ui->show_progress(false);
 }

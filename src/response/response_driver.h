@@ -14,7 +14,8 @@ namespace trensil {
 // Recomputes the stale bodies (mag_valid / grav_valid 0; a body with disabled exactly 1 gets
 // zero rows) and rebuilds row 6 of each channel that had a stale body, leaving rows 6 to 10 of a
 // channel with none untouched. magpos or gravpos below 1 skips that channel: its bodies stay
-// stale. With no bodies, rows 6 to 10 are 0 and the computed display entries are empty.
+// stale. With no bodies, rows 6 to 10 are 0 and the computed display entries are empty. With
+// the state's channel_sums_stale set, both channels are summed anew even with no stale body.
 void calculate_body_responses(model_record& model, response_state& state,
                               array2<float>& mag_channels, array2<float>& grav_channels);
 

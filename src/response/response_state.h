@@ -44,6 +44,11 @@ struct response_state {
     std::int32_t inversion_uses_gravity = 0;
     std::int32_t inversion_fits_gradient = 0;
 
+    // Set when the bodies changed in number or order while none became stale (an undone add,
+    // delete or sort): the next calculate_body_responses adds the bodies' rows into rows 6 anew
+    // without recomputing any body, then clears it.
+    bool channel_sums_stale = false;
+
     // How many body responses were computed since the counters were last set to 0; the
     // benchmarks and the cache tests read them.
     long mag_responses_computed = 0;

@@ -84,6 +84,10 @@ public:
     virtual float y_scale() const = 0;
     // Height of one line of the control's font in drawing units.
     virtual float font_height() const = 0;
+    // The plot inside the axes: its left edge from the control's left, and its width, in
+    // drawing units. A control without axes margins plots over its whole width.
+    virtual float plot_left() const { return 0.0f; }
+    virtual float plot_width() const { return static_cast<float>(width()); }
 
     // Both axes on or off together, as the window always sets them.
     void set_display_axes(bool on) {

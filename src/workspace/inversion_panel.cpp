@@ -1,6 +1,8 @@
 #include "inversion/inversion_session.h"
 #include "support/number_format.h"
 #include "support/text_tokens.h"
+#include "workspace/body_table.h"
+#include "workspace/model_edit.h"
 #include "workspace/modelling_workspace.h"
 #include "workspace/workspace_inversion_view.h"
 
@@ -55,28 +57,6 @@ int inversion_body(const modelling_workspace& ws) {
     return ws.model.num_bodies >= 1 ? 1 : 0;
 }
 
-void show_current_body(modelling_workspace& ws) {
-    modelling_view& view = *ws.view;
-    display_guard guard(ws);
-    const int current = ws.section.current_body;
-    if (current < 1 || current > ws.model.num_bodies) {
-        for (const char* name : {"Text_body_name", "Text_body_rock_type", "Text_body_description",
-                                 "Text_Shell_Thickness", "Text_End_Thickness", "Text_num_sectors",
-                                 "Text_num_segments", "Text_max_triangle_size"})
-            view.set_text(name, "");
-        return;
-    }
-    const body_record& b = ws.model.body(current);
-    view.set_text("Text_body_name", b.name);
-    view.set_text("Text_body_rock_type", b.rock_type);
-    view.set_text("Text_body_description", b.description);
-    view.set_text("Text_Shell_Thickness", general_number(b.shell_thickness));
-    view.set_text("Text_End_Thickness", general_number(b.end_thickness));
-    view.set_text("Text_num_sectors", format_fixed(b.num_sectors, 0));
-    view.set_text("Text_num_segments", format_fixed(b.num_segments, 0));
-    view.set_text("Text_max_triangle_size", general_number(b.max_triangle_size));
-}
-
 void combo_solver_selected(modelling_workspace& ws) {
     const bool least_squares = ws.view->selected_item("Combo_solver") == 1;
     for (const char* control :
@@ -87,9 +67,14 @@ void combo_solver_selected(modelling_workspace& ws) {
 void command_invert(modelling_workspace& ws, int item) {
     if (ws.inversion_running) return;
     read_solver_choices(ws);
-    running_guard running(ws);
-    with_context(ws,
-                 [&](inversion_context& ctx) { on_invert_click(ctx, item, inversion_body(ws)); });
+    // The run's result is one step: undo puts back the model the run began with.
+    model_edit edit(ws, "Inversion");
+    {
+        running_guard running(ws);
+        with_context(
+            ws, [&](inversion_context& ctx) { on_invert_click(ctx, item, inversion_body(ws)); });
+    }
+    edit.commit();
 }
 
 void command_stop_inversion(modelling_workspace& ws) {
@@ -98,12 +83,22 @@ void command_stop_inversion(modelling_workspace& ws) {
 
 void command_reject_changes(modelling_workspace& ws) {
     if (ws.inversion_running) return;
+    model_edit edit(ws, "Reject Changes");
     with_context(ws, [](inversion_context& ctx) { on_reject_changes(ctx); });
+    edit.commit();
 }
 
 void command_restore_best(modelling_workspace& ws) {
     if (ws.inversion_running) return;
+    model_edit edit(ws, "Restore Best Model");
     with_context(ws, [](inversion_context& ctx) { on_restore_best(ctx); });
+    edit.commit();
+}
+
+void command_toggle_invert_body(modelling_workspace& ws) {
+    if (ws.updating_display || ws.inversion_running) return;
+    commit_pending_edit(ws);
+    with_context(ws, [](inversion_context& ctx) { on_toggle_invert_panel(ctx); });
 }
 
 void check_inversion_mode_clicked(modelling_workspace& ws) {

@@ -4,6 +4,7 @@
 
 #include "response/channel_setup.h"
 #include "support/text_tokens.h"
+#include "workspace/model_edit.h"
 #include "workspace/modelling_workspace.h"
 
 namespace trensil {
@@ -92,27 +93,36 @@ field_handler display_length(float model_record::*field) {
         mark_changed(ws);
     };
 }
+// The label of an edit of the current body's field ("Name of Body 2") and the key that merges
+// the keystrokes of one field into one step.
+std::string body_field_label(const char* field, int body) {
+    return std::string(field) + " of Body " + std::to_string(body);
+}
+
 // Mesh settings of the current body: any change makes the body stale and redisplays.
 template <class T>
-field_handler body_mesh(T body_record::*field) {
-    return [field](modelling_workspace& ws, const field_text& f) {
+field_handler body_mesh(T body_definition::*field, const char* label) {
+    return [field, label](modelling_workspace& ws, const field_text& f) {
         const int current = ws.section.current_body;
         if (!f.numeric || f.value < 0 || current < 1 || current > ws.model.num_bodies) return;
         body_record& b = ws.model.body(current);
         const auto v = static_cast<T>(f.value);
         if (v == b.*field) return;
+        model_edit edit(ws, body_field_label(label, current), body_field_label(label, current));
         b.*field = v;
         b.mag_valid = 0;
         b.grav_valid = 0;
-        mark_changed(ws);
+        edit.commit();
         display_model(ws, 1);
     };
 }
-field_handler body_text(std::string body_record::*field) {
-    return [field](modelling_workspace& ws, const field_text& f) {
+field_handler body_text(std::string body_definition::*field, const char* label) {
+    return [field, label](modelling_workspace& ws, const field_text& f) {
         const int current = ws.section.current_body;
         if (current < 1 || current > ws.model.num_bodies) return;
+        model_edit edit(ws, body_field_label(label, current), body_field_label(label, current));
         ws.model.body(current).*field = f.text;
+        edit.commit();
         mark_changed(ws);
     };
 }
@@ -160,14 +170,14 @@ const std::map<std::string, field_handler>& field_handlers() {
         {"Text_finite_body_left_clip", display_length(&model_record::finite_body_left_clip)},
         {"Text_finite_body_right_clip", display_length(&model_record::finite_body_right_clip)},
         {"Text_infinite_body_length", display_length(&model_record::infinite_body_length)},
-        {"Text_End_Thickness", body_mesh(&body_record::end_thickness)},
-        {"Text_Shell_Thickness", body_mesh(&body_record::shell_thickness)},
-        {"Text_num_sectors", body_mesh(&body_record::num_sectors)},
-        {"Text_num_segments", body_mesh(&body_record::num_segments)},
-        {"Text_max_triangle_size", body_mesh(&body_record::max_triangle_size)},
-        {"Text_body_name", body_text(&body_record::name)},
-        {"Text_body_rock_type", body_text(&body_record::rock_type)},
-        {"Text_body_description", body_text(&body_record::description)},
+        {"Text_End_Thickness", body_mesh(&body_record::end_thickness, "End Thickness")},
+        {"Text_Shell_Thickness", body_mesh(&body_record::shell_thickness, "Shell Thickness")},
+        {"Text_num_sectors", body_mesh(&body_record::num_sectors, "Sectors")},
+        {"Text_num_segments", body_mesh(&body_record::num_segments, "Segments")},
+        {"Text_max_triangle_size", body_mesh(&body_record::max_triangle_size, "Largest Triangle")},
+        {"Text_body_name", body_text(&body_record::name, "Name")},
+        {"Text_body_rock_type", body_text(&body_record::rock_type, "Rock Type")},
+        {"Text_body_description", body_text(&body_record::description, "Description")},
     };
     return handlers;
 }

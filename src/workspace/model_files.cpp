@@ -11,7 +11,9 @@
 #include "response/channel_setup.h"
 #include "support/number_format.h"
 #include "support/paths.h"
+#include "workspace/body_table.h"
 #include "workspace/graph_display.h"
+#include "workspace/model_edit.h"
 #include "workspace/modelling_workspace.h"
 
 namespace trensil {
@@ -59,9 +61,12 @@ void reset_form_display(modelling_workspace& ws) {
     view.set_enabled("Command_reject_changes", false);
     view.set_visible("Label_status", false);
     forget_best_model(ws.inversion);
-    // The window has no slider frame yet: the inversion panel stays in its place and the toggle
-    // between the two stays hidden.
+    // Steps of another model cannot be undone on this one.
+    clear_edit_history(ws);
+    // The sliders are on show, the inversion panel a click away.
     view.set_text("Command_toggle_invert_body", "Perform Inversion");
+    view.set_visible("Frame_move_body", true);
+    view.set_visible("Frame_inversion", false);
     ws.graph_view.graph_ranges_valid = 0;
 }
 
@@ -85,7 +90,11 @@ void show_loaded_model(modelling_workspace& ws) {
         if (current < 1 || current > ws.model.num_bodies)
             current = ws.model.num_bodies >= 1 ? 1 : 0;
     }
-    show_current_body(ws);
+    if (ws.model.num_bodies >= 1) {
+        display_body_parameters(ws);
+    } else {
+        clear_body_parameters(ws);
+    }
 }
 }  // namespace
 
@@ -219,6 +228,7 @@ int validate_model_display(modelling_workspace& ws) {
     const bool grav = model.gravpos > 0;
     view.set_visible("Frame_mag_profiles", mag || !grav);
     view.set_visible("Frame_grav_profiles", grav);
+    share_graph_area(ws, mag || !grav, grav);
     view.set_text("Text_number_locations", format_fixed(model.profile.num_stations, 0));
     ws.graph_view.graph_ranges_valid = 0;
     return 0;

@@ -22,8 +22,10 @@
 #include "response/response_state.h"
 #include "support/platform.h"
 #include "support/settings_store.h"
+#include "workspace/edit_history.h"
 #include "workspace/graph_view.h"
 #include "workspace/modelling_view.h"
+#include "workspace/pointer_interaction.h"
 #include "workspace/section_view.h"
 
 namespace trensil {
@@ -54,12 +56,20 @@ struct modelling_workspace {
     // The project form opened this window: it supplies the data definitions.
     bool opened_from_project = false;
     bool plan_shown = false;
+    // The graph area's layout, its splitters and the inversion limit markers.
+    pointer_state pointer;
 
     // The inversion kept between runs (best model, start values, residuals), the panel it talks
     // to, and whether a run is under way (the event pump serves clicks during one).
     inversion_state inversion;
     inversion_view* inversion_panel = nullptr;
     bool inversion_running = false;
+
+    // The undo and redo steps of the body edits (workspace/model_edit.h).
+    edit_history history;
+    // The cell of Grid_body under edit (workspace/body_table.h).
+    std::int32_t edit_row = 0;
+    std::int32_t edit_column = 0;
 };
 
 // Holds `updating_display` set for a scope, restoring the value it found.
@@ -117,8 +127,6 @@ bool tab_model_changing(modelling_workspace& ws, int old_tab, int new_tab);
 
 // The body an inversion of the current body works on: the one last picked, or body 1.
 int inversion_body(const modelling_workspace& ws);
-// Shows the current body's name, rock type, description and cylinder mesh in Frame_body.
-void show_current_body(modelling_workspace& ws);
 // The panel's controls. A click on an invert button, reject or restore while a run is under way
 // is ignored: they would work on the parameter table the run is using.
 void command_invert(modelling_workspace& ws, int item);
@@ -126,6 +134,8 @@ void command_stop_inversion(modelling_workspace& ws);
 void command_reject_changes(modelling_workspace& ws);
 void command_restore_best(modelling_workspace& ws);
 void check_inversion_mode_clicked(modelling_workspace& ws);
+// Command_toggle_invert_body: the slider frame and the inversion panel take turns.
+void command_toggle_invert_body(modelling_workspace& ws);
 void combo_invert_selected(modelling_workspace& ws);
 // Combo_solver: the joint and robust boxes and the noise levels belong to the least squares
 // ("Damped Least Squares") and are enabled only while it is chosen.

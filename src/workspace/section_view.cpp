@@ -70,6 +70,9 @@ void draw_sensor_marks(const model_record& model, graph_control& graph) {
 int station_at_distance(const profile_block& profile, float d) {
     const int n = profile.num_stations;
     if (n < 1) return 1;
+    // The search stops one short of the last station for a distance at or past it: the pointer
+    // there stands over the last station.
+    if (d >= profile.profile_distance(n)) return n;
     int k = search_sorted(profile.profile_distance, 1, n, d);
     if (d < profile.profile_distance(k)) --k;
     return std::clamp(k, 1, n);

@@ -35,7 +35,8 @@ void draw_section_objects(model_record& model, graph_control& graph, const secti
                           float dist_last);
 
 // The station k with DIST[k] <= d < DIST[k + 1], held to 1 .. num_stations: a binary search of
-// the station distances, less 1 when d lies below the station found.
+// the station distances, less 1 when d lies below the station found; the last station for a
+// distance at or past it.
 int station_at_distance(const profile_block& profile, float d);
 
 }  // namespace trensil

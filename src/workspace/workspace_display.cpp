@@ -29,6 +29,7 @@ void apply_zoom(modelling_workspace& ws) {
     calculate_zoom_settings(ws.model, ws.graph_view);
     update_graph_display(ws.model, ws.graph_view, ws.graphs);
     show_pan_bar(ws);
+    update_inversion_limit_display(ws);
 }
 }  // namespace
 
@@ -50,6 +51,7 @@ void display_model(modelling_workspace& ws, int keep_scale) {
         update_graph_display(model, ws.graph_view, ws.graphs);
         show_pan_bar(ws);
     }
+    update_inversion_limit_display(ws);
 }
 
 void update_section_or_plan_view(modelling_workspace& ws, int mode) {
@@ -112,6 +114,7 @@ void menu_display_axes(modelling_workspace& ws) {
     ws.model.display_axes = on ? 1 : 0;
     for (graph_control* graph : ws.graphs)
         if (graph) graph->set_display_axes(on);
+    update_inversion_limit_display(ws);
     draw_all(ws, 1);
 }
 
@@ -169,6 +172,7 @@ void command_reset_graph_scale(modelling_workspace& ws) {
         v.graph_ycentre[i] = (v.graph_ymax[i] + v.graph_ymin[i]) / 2.0f;
     }
     update_graph_display(ws.model, v, ws.graphs);
+    update_inversion_limit_display(ws);
     for (int i = 0; i < graph_count; ++i)
         reset_vertical_bar(ws, "VScroll_zoom_" + std::to_string(i));
     {

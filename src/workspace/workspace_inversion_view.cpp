@@ -1,6 +1,7 @@
 #include "workspace/workspace_inversion_view.h"
 
 #include "inversion/fit_report.h"
+#include "workspace/body_table.h"
 #include "workspace/modelling_workspace.h"
 
 namespace trensil {
@@ -64,6 +65,9 @@ void workspace_inversion_view::set_enabled(inversion_control control, bool enabl
 
 void workspace_inversion_view::set_visible(inversion_control control, bool visible) {
     ws_.view->set_visible(inversion_control_name(control, 0), visible);
+    // The inversion panel takes the slider frame's place.
+    if (control == inversion_control::Frame_move_body)
+        ws_.view->set_visible("Frame_inversion", !visible);
 }
 
 bool workspace_inversion_view::is_visible(inversion_control control) const {
@@ -87,7 +91,7 @@ void workspace_inversion_view::redraw_inversion_progress() {
 }
 
 void workspace_inversion_view::display_body_parameters() {
-    show_current_body(ws_);
+    trensil::display_body_parameters(ws_);
 }
 
 void workspace_inversion_view::display_model(int mode) {

@@ -7,6 +7,7 @@
 #include "support/paths.h"
 #include "support/text_tokens.h"
 #include "workspace/graph_display.h"
+#include "workspace/model_edit.h"
 #include "workspace/modelling_workspace.h"
 
 namespace trensil {
@@ -52,6 +53,7 @@ void form_load(modelling_workspace& ws) {
     view.set_items("Combo_model_type", {"Thin Sheet", "Thick Sheet", "Cylinder/Pipe"});
     clear_body_results(ws.model);
     forget_best_model(ws.inversion);
+    clear_edit_history(ws);
 
     view.set_text("Text_mag_intensity", general_number(ws.model.mag_intensity));
     view.set_text("Text_mag_inclination", general_number(ws.model.mag_inclination));

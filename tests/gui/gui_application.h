@@ -1,9 +1,8 @@
 // One application for the whole offscreen test program, whichever test comes first. Qt's runtime
 // folder is one of the program's own scratch folders, removed at exit, instead of one it would
-// leave in the system's temporary folder. The application is destroyed when the tests end, not
-// by the C library's exit handlers: those would first destroy the list in which the pointing
-// device of synthetic mouse events is registered, and the application's destructor then deletes
-// the device through that list.
+// leave in the system's temporary folder. The application is deleted when the tests end, before
+// the program's static objects go: Qt's own tables (the input devices that simulated clicks
+// create) must outlive it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -21,6 +20,9 @@ public:
     void TearDown() override { delete QApplication::instance(); }
 };
 
+inline ::testing::Environment* const application_teardown =
+    ::testing::AddGlobalTestEnvironment(new application_environment);
+
 inline void application() {
     if (QApplication::instance()) return;
     const std::filesystem::path& runtime = testing::process_scratch_dir().path();
@@ -31,8 +33,6 @@ inline void application() {
     static char name[] = "test_gui";
     static char* argv[] = {name, nullptr};
     new QApplication(argc, argv);
-    // Environments added while the tests run are torn down with the others at the end.
-    ::testing::AddGlobalTestEnvironment(new application_environment);
 }
 
 }  // namespace trensil

@@ -1,7 +1,9 @@
 // The inversion panel offscreen, on the synthetic line whose data were computed from its own
-// model: a body moved off its place is inverted back, and the two ways back work.
+// model: a body moved off its place is inverted back, the two ways back work, and the run, the
+// reject and the restore are each one undo step.
 #include <gtest/gtest.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
@@ -47,14 +49,16 @@ protected:
     double misfit(modelling_window& window, int item) {
         return std::stod(window.text("Text_MAGINV_misfit_" + std::to_string(item)));
     }
-    // Body 1 moved 300 m along the line, so that the data no longer fit, then an inversion of
-    // the whole model of four iterations. Returns where body 1 was moved to.
+    // Body 1 moved 300 m along the line, so that the data no longer fit, then the panel shown in
+    // the sliders' place and an inversion of the whole model of four iterations. Returns where body 1 was moved to.
     float move_body_and_invert(modelling_window& window) {
         modelling_workspace& ws = window.workspace();
         const float moved = ws.model.body(1).distance.value + 300.0f;
         ws.model.body(1).distance.value = moved;
         clear_body_results(ws.model);
         display_model(ws, 1);
+        if (!window.visible("Frame_inversion"))
+            child<QPushButton>(window, "Command_toggle_invert_body")->click();
         window.set_text("Text_max_iterations", "4");
         child<QPushButton>(window, "Command_invert_1")->click();
         return moved;
@@ -74,7 +78,21 @@ TEST_F(inversion_panel_test, whole_model_run_lowers_misfit_and_both_ways_back_wo
     ASSERT_EQ(open_model_file(ws, (folder_ / "synthetic_truth.qvx").string()), 0);
     ASSERT_GE(ws.model.num_bodies, 1);
 
-    const float moved = move_body_and_invert(window);
+    // Body 1 moved 300 m along the line: the data no longer fit.
+    const float moved = ws.model.body(1).distance.value + 300.0f;
+    ws.model.body(1).distance.value = moved;
+    clear_body_results(ws.model);
+    display_model(ws, 1);
+
+    // The panel takes the sliders' place.
+    EXPECT_TRUE(window.visible("Frame_move_body"));
+    EXPECT_FALSE(window.visible("Frame_inversion"));
+    child<QPushButton>(window, "Command_toggle_invert_body")->click();
+    EXPECT_FALSE(window.visible("Frame_move_body"));
+    EXPECT_EQ(window.text("Command_toggle_invert_body"), "Move This Body");
+    ASSERT_TRUE(child<QPushButton>(window, "Command_invert_1")->isVisible());
+    window.set_text("Text_max_iterations", "4");
+    child<QPushButton>(window, "Command_invert_1")->click();
     EXPECT_LT(misfit(window, 1), misfit(window, 0));
     EXPECT_NE(ws.model.body(1).distance.value, moved);
     EXPECT_EQ(window.text("Label_status"), "Inversion succeeded");
@@ -83,12 +101,25 @@ TEST_F(inversion_panel_test, whole_model_run_lowers_misfit_and_both_ways_back_wo
     EXPECT_FALSE(window.visible("Text_num_iterations"));
     EXPECT_EQ(window.text("Text_max_iterations"), "4");
 
+    // The run is one step: undo goes back to where it began, redo to its result.
+    const float inverted = ws.model.body(1).distance.value;
+    auto* undo = child<QAction>(window, "menu_undo");
+    EXPECT_EQ(undo->text().toStdString(), "Undo Inversion");
+    undo->trigger();
+    EXPECT_EQ(ws.model.body(1).distance.value, moved);
+    child<QAction>(window, "menu_redo")->trigger();
+    EXPECT_EQ(ws.model.body(1).distance.value, inverted);
+
     auto* reject = child<QPushButton>(window, "Command_reject_changes");
     ASSERT_TRUE(reject->isEnabled());
     reject->click();
     EXPECT_EQ(ws.model.body(1).distance.value, moved);
     EXPECT_FALSE(reject->isEnabled());
     EXPECT_EQ(window.text("Text_MAGINV_misfit_0"), "");
+    EXPECT_EQ(undo->text().toStdString(), "Undo Reject Changes");
+    undo->trigger();
+    EXPECT_EQ(ws.model.body(1).distance.value, inverted);
+    child<QAction>(window, "menu_redo")->trigger();
 
     // A second run from the moved body, then back to its best: the model as it stood is kept
     // in latest.qvx, and the final box shows the "no computed misfit" mark -99999 / N.
@@ -96,6 +127,7 @@ TEST_F(inversion_panel_test, whole_model_run_lowers_misfit_and_both_ways_back_wo
     auto* restore = child<QPushButton>(window, "Command_restore_best");
     ASSERT_TRUE(restore->isEnabled());
     restore->click();
+    EXPECT_EQ(undo->text().toStdString(), "Undo Restore Best Model");
     EXPECT_TRUE(std::filesystem::exists(folder_ / "latest.qvx"));
     EXPECT_EQ(window.text("Text_MAGINV_misfit_1"),
               format_fixed(-99999.0 / ws.model.profile.num_stations, 4));
@@ -131,16 +163,6 @@ TEST_F(inversion_panel_test, least_squares_run_shows_its_errors_until_the_change
     EXPECT_EQ(ws.model.body(1).distance.value, moved);
     EXPECT_FALSE(window.visible("Text_fit_summary"));
     EXPECT_TRUE(ui_.messages.empty());
-}
-
-TEST_F(inversion_panel_test, controls_without_behaviour_are_hidden_and_body_fields_show_body_one) {
-    modelling_window window(ui_, settings_);
-    window.show();
-    ASSERT_EQ(open_model_file(window.workspace(), (folder_ / "synthetic_truth.qvx").string()), 0);
-    for (const char* name : {"Frame_move_body", "Command_toggle_invert_body", "Combo_model_type"})
-        EXPECT_FALSE(window.visible(name)) << name;
-    EXPECT_TRUE(window.visible("Command_invert_0"));
-    EXPECT_EQ(window.text("Text_body_name"), window.workspace().model.body(1).name);
 }
 
 }  // namespace

@@ -295,7 +295,8 @@ TEST(section_view, no_stations_draw_nothing_and_station_search_holds_to_the_prof
     EXPECT_TRUE(g.calls.empty());
 
     const model_record model = line_model(11, 10.0f);
-    const std::pair<float, int> searches[] = {{-5.0f, 1}, {0.0f, 1}, {25.0f, 3}, {30.0f, 4}};
+    const std::pair<float, int> searches[] = {{-5.0f, 1},  {0.0f, 1},    {25.0f, 3},  {30.0f, 4},
+                                              {95.0f, 10}, {100.0f, 11}, {500.0f, 11}};
     for (const auto& [distance, station] : searches)
         EXPECT_EQ(station_at_distance(model.profile, distance), station) << distance;
 }

@@ -5,7 +5,6 @@
 #include <fstream>
 #include <sstream>
 
-#include "fake_modelling_view.h"
 #include "io/profile_data_export.h"
 #include "support/memory_settings_store.h"
 #include "support/number_format.h"
@@ -13,33 +12,11 @@
 #include "support/scripted_platform.h"
 #include "support/text_tokens.h"
 #include "workspace/modelling_workspace.h"
-#include "workspace/recording_graph_control.h"
 #include "workspace_files.h"
+#include "workspace_fixture.h"
 
 namespace trensil {
 namespace {
-
-struct workspace_fixture {
-    scripted_platform ui;
-    memory_settings_store settings;
-    fake_modelling_view view;
-    std::array<recording_graph_control, graph_count> controls;
-    recording_graph_control plan;
-    modelling_workspace ws{ui, settings};
-
-    workspace_fixture() {
-        ws.view = &view;
-        for (int i = 0; i < graph_count; ++i) ws.graphs[i] = &controls[i];
-        ws.plan = &plan;
-    }
-    std::string setting(const char* key) const {
-        return settings.get_setting("Ostrand", "Trensil", key);
-    }
-    void type(const std::string& control, const std::string& text) {
-        view.texts[control] = text;
-        model_field_changed(ws, control);
-    }
-};
 
 // Runs each test in a scratch directory so that the working directory setting has a home.
 class workspace_test : public ::testing::Test {
