@@ -50,7 +50,8 @@ protected:
         return std::stod(window.text("Text_MAGINV_misfit_" + std::to_string(item)));
     }
     // Body 1 moved 300 m along the line, so that the data no longer fit, then the panel shown in
-    // the sliders' place and an inversion of the whole model of four iterations. Returns where body 1 was moved to.
+    // the sliders' place and an inversion of the whole model of four iterations. Returns where body
+    // 1 was moved to.
     float move_body_and_invert(modelling_window& window) {
         modelling_workspace& ws = window.workspace();
         const float moved = ws.model.body(1).distance.value + 300.0f;
