@@ -30,6 +30,7 @@ void reset_model(model_record& model) {
     model.mag_intensity = 56000.0f;
     model.mag_inclination = -65.0f;
     model.mag_declination = -4.0f;
+    model.exact_field_geometry = false;
     model.basemag = undefined_value;
     model.topo = 0.0f;
     model.sensor_offset = 10.0f;

@@ -43,6 +43,9 @@ struct model_record : data_definition {
     float mag_intensity = 56000.0f;
     float mag_inclination = -65.0f;
     float mag_declination = -4.0f;
+    // The responses compute the physics of each body (the exact field geometry) instead of the
+    // format's own formulas. Kept as an optional fourth value on the model file's field line.
+    bool exact_field_geometry = false;
     float basemag = undefined_value;
     float basegrav = 0.0f;
     float topo = 0.0f;

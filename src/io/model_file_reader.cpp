@@ -84,6 +84,8 @@ void read_header(model_line_source& lines, model_record& model) {
     model.mag_intensity = take_f32(l3);
     model.mag_inclination = take_f32(l3);
     model.mag_declination = take_f32(l3);
+    // An optional fourth value, 1 for the exact field geometry; absent or 0 is the format's.
+    model.exact_field_geometry = !l3.empty() && take_i32(l3) == 1;
 
     // The inversion window written at the end of this line is not read back.
     std::string l4 = lines.next();

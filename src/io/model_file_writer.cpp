@@ -19,6 +19,8 @@ std::string header_text(const model_record& m) {
     l2.add(m.nhead).add(m.nstep).add(m.xpos).add(m.ypos).add(m.zpos).add(m.dtm).add(m.magpos);
     l2.add(m.gravpos).add(m.station_spacing).add(m.names_line);
     l3.add(m.mag_intensity).add(m.mag_inclination).add(m.mag_declination);
+    // Written only when set, so a model in the format's geometry is written as it always was.
+    if (m.exact_field_geometry) l3.add(std::int32_t{1});
     l4.add(m.residual).add(m.VG_filter_width).add(m.VG_filter_step).add(m.vg_component_1);
     l4.add(m.profile.inversion_first_station).add(m.profile.inversion_last_station);
     l5.add(m.basemag).add(m.topo).add(m.sensor_offset).add(m.basegrav);

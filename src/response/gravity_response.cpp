@@ -6,6 +6,7 @@
 
 #include "core/body_catalogue.h"
 #include "response/facet_engine.h"
+#include "response/field_geometry_choice.h"
 #include "response/polyhedron_response.h"
 #include "response/prism_corners.h"
 #include "response/response_inputs.h"
@@ -173,7 +174,9 @@ void calculate_grav_response(model_record& model, response_state& state, int bod
     if (n < 1) return;
     float* row = body.body_response.row(gravity_row);
     for (int i = 0; i < n; ++i) row[i] = 0.0f;
-    const std::string failure = grav_response_body(model, state, body_index);
+    const std::string failure = model.exact_field_geometry
+                                    ? exact_grav_response(model, state, body_index)
+                                    : grav_response_body(model, state, body_index);
     if (!failure.empty()) report_response_failure(state, grav_failure_text + failure);
 }
 

@@ -7,6 +7,7 @@
 #include "core/body_catalogue.h"
 #include "response/facet_engine.h"
 #include "response/field_coefficients.h"
+#include "response/field_geometry_choice.h"
 #include "response/polyhedron_response.h"
 #include "response/prism_corners.h"
 #include "response/response_inputs.h"
@@ -349,7 +350,9 @@ void calculate_mag_response(model_record& model, response_state& state, int body
         float* r = body.body_response.row(row);
         for (int i = 0; i < n; ++i) r[i] = 0.0f;
     }
-    const std::string failure = mag_response_body(model, state, body_index);
+    const std::string failure = model.exact_field_geometry
+                                    ? exact_mag_response(model, state, body_index)
+                                    : mag_response_body(model, state, body_index);
     if (!failure.empty()) report_response_failure(state, mag_failure_text + failure);
 }
 
