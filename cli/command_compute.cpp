@@ -14,7 +14,8 @@
 namespace trensil::cli {
 namespace {
 
-constexpr const char* compute_usage = "compute MODEL.qvx [-o OUT.csv] [--data DATAFILE] [--force]";
+constexpr const char* compute_usage =
+    "compute MODEL.qvx [-o OUT.csv] [--data DATAFILE] [--exact] [--force]";
 
 // Root mean square of computed less observed, both levelled as the graphs plot them (rows 7
 // and 2), over every station.
@@ -31,7 +32,7 @@ double rms_misfit(const array2<float>& channels, int n) {
 int run_compute(const std::vector<std::string>& args) {
     cli_arguments parsed;
     std::string error;
-    if (!parse_cli_arguments(args, {"-o", "--data"}, {"--force"}, parsed, error) ||
+    if (!parse_cli_arguments(args, {"-o", "--data"}, {"--force", "--exact"}, parsed, error) ||
         parsed.positional.size() != 1) {
         std::cerr << "trensil-cli compute: " << (error.empty() ? "one model file is needed" : error)
                   << "\nusage: trensil-cli " << compute_usage << "\n";
@@ -48,6 +49,11 @@ int run_compute(const std::vector<std::string>& args) {
         return exit_failure;
     }
 
+    // --exact computes the bodies' physics whatever the file holds.
+    if (parsed.has("--exact")) {
+        model.exact_field_geometry = true;
+        clear_body_results(model);
+    }
     // The channels the window would show and export for this model file.
     response_state state;
     state.ui = &ui;
@@ -75,6 +81,7 @@ int run_compute(const std::vector<std::string>& args) {
     if (model.gravpos >= 1)
         std::cout << ", gravity misfit "
                   << format_fixed(rms_misfit(model.profile.grav_channels, n), 4) << " mGal rms";
+    if (model.exact_field_geometry) std::cout << ", exact field geometry";
     std::cout << "; wrote " << out << "\n";
     return exit_ok;
 }

@@ -5,8 +5,8 @@
 // correlations; --joint fits magnetics and gravity together, --robust with the Huber loss,
 // --noise-mag and --noise-grav set the noise levels (otherwise taken from the data's scatter).
 // Ctrl-C asks the run to stop at the end of the iteration under way, as the Stop button does.
-// --iterations is read as the "Max Iterations" box reads its text: empty or not a number runs 25,
-// the number rounds to a whole one, at least 1.
+// --exact fits in the exact field geometry. --iterations is read as the "Max Iterations" box reads
+// its text: empty or not a number runs 25, the number rounds to a whole one, at least 1.
 #include <atomic>
 #include <csignal>
 #include <iostream>
@@ -33,7 +33,7 @@ namespace {
 constexpr const char* invert_usage =
     "invert MODEL.qvx [--gravity] [--gradient] [--body N | --all] [--iterations N] "
     "[--first-station K --last-station L] [--solver coordinate|lm] [--joint] [--robust] "
-    "[--noise-mag NT] [--noise-grav MGAL] [-o OUT.qvx] [--csv OUT.csv] [--force]";
+    "[--noise-mag NT] [--noise-grav MGAL] [--exact] [-o OUT.qvx] [--csv OUT.csv] [--force]";
 
 std::atomic<bool> interrupt_requested{false};
 
@@ -155,11 +155,12 @@ std::string solver_options(const cli_arguments& parsed, inversion_state& state) 
 int run_invert(const std::vector<std::string>& args) {
     cli_arguments parsed;
     std::string error;
-    if (!parse_cli_arguments(args,
-                             {"--body", "--iterations", "--first-station", "--last-station", "-o",
-                              "--csv", "--solver", "--noise-mag", "--noise-grav"},
-                             {"--gravity", "--gradient", "--all", "--force", "--joint", "--robust"},
-                             parsed, error))
+    if (!parse_cli_arguments(
+            args,
+            {"--body", "--iterations", "--first-station", "--last-station", "-o", "--csv",
+             "--solver", "--noise-mag", "--noise-grav"},
+            {"--gravity", "--gradient", "--all", "--force", "--joint", "--robust", "--exact"},
+            parsed, error))
         return usage_failure(error);
     if (parsed.positional.size() != 1) return usage_failure("one model file is needed");
     int body = 0, first = 0, last = 0;
@@ -186,6 +187,11 @@ int run_invert(const std::vector<std::string>& args) {
     if (!load_cli_model({model_path, "", true}, model, ui, error)) {
         std::cerr << "trensil-cli invert: " << error << "\n";
         return exit_failure;
+    }
+    // --exact fits in the bodies' physics; the fitted model keeps the setting.
+    if (parsed.has("--exact")) {
+        model.exact_field_geometry = true;
+        clear_body_results(model);
     }
     const int n = model.profile.num_stations;
     if (n < 1) {

@@ -175,6 +175,23 @@ TEST_F(model_writer, old_versions_come_back_unchanged_after_conversion) {
     }
 }
 
+// The exact field geometry is a fourth value on the field line, written only when set: off, the
+// line is as it always was; on, it reads back on with every other field unchanged.
+TEST_F(model_writer, exact_field_geometry_rides_on_the_field_line) {
+    model_record m = full_model();
+    EXPECT_NE(model_file_text(true, m).find("\r\n 49299  62.6  .1 \r\n"), std::string::npos);
+    m.exact_field_geometry = true;
+    EXPECT_NE(model_file_text(true, m).find("\r\n 49299  62.6  .1  1 \r\n"), std::string::npos);
+    const std::string path = dir.file("exact.qvx");
+    ASSERT_TRUE(write_model_core(false, path, m, ui));
+    model_record again = read_back(path);
+    EXPECT_TRUE(again.exact_field_geometry);
+    expect_same_stored_fields(m, again);
+    again.exact_field_geometry = false;
+    ASSERT_TRUE(write_model_core(false, path, again, ui));
+    EXPECT_FALSE(read_back(path).exact_field_geometry);
+}
+
 TEST_F(model_writer, lines_are_print_lists_ended_by_cr_lf) {
     model_record m = full_model();
     const std::string header = model_file_text(true, m);

@@ -360,3 +360,35 @@ TEST(exact_prism, matches_the_rectangular_prism_in_a_horizontal_field_and_above_
 
 }  // namespace
 }  // namespace trensil
+
+namespace trensil {
+namespace {
+
+// A vertical dyke striking north in a field of declination 0 sees no horizontal field across
+// it, so its anomaly is the mirror image of itself about the dyke (1e-5 of the peak). The format
+// puts the north component across the dyke and gives a lopsided anomaly with a deep low.
+TEST(exact_sections, dyke_striking_north_is_symmetric_when_the_field_has_no_across_component) {
+    model_record exact = line_model(201, 0.0, 0.0, 5.0, 0.0, 0.0, 1);
+    exact.mag_declination = 0.0f;
+    body_record& b = exact_body(exact, thin_sheet);
+    b.strike.value = 0.0f;
+    b.dip.value = 90.0f;
+    b.width.value = 10.0f;
+    b.distance.value = 495.0f;  // the dyke's middle under station 101
+    b.rem_q.value = 0.0f;
+    model_record format = exact;
+    format.exact_field_geometry = false;
+    response_state state;
+    calculate_mag_response(exact, state, 1);
+    calculate_mag_response(format, state, 1);
+    const double p = peak(exact, total_field_row);
+    float format_low = 0.0f;
+    for (int i = 1; i <= 100; ++i) {
+        EXPECT_NEAR(magnetic(exact, i), magnetic(exact, 202 - i), 1e-5 * p) << "station " << i;
+        format_low = std::min(format_low, magnetic(format, i));
+    }
+    EXPECT_LT(format_low, -0.1 * p);
+}
+
+}  // namespace
+}  // namespace trensil
