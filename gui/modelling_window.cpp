@@ -77,6 +77,8 @@ modelling_window::modelling_window(platform& ui, settings_store& settings, bool 
         status_[i]->setMinimumWidth(i == 0 ? 220 : 90);
         statusBar()->addWidget(status_[i], i == 0 ? 2 : 1);
     }
+    statusBar()->addPermanentWidget(
+        named(new QLabel("Format field geometry"), "Label_field_geometry"));
     statusBar()->setObjectName("StatusBar");
 
     resize_timer_.setObjectName("Timer_resize");
@@ -197,6 +199,12 @@ QWidget* modelling_window::build_tabs() {
     field(ff, "Text_mag_declination", "Declination");
     field(ff, "Text_MAGINV_sensor_offset", "Sensor height");
     field(ff, "Text_MAGINV_topo", "Topography");
+    auto* exact = named(new QCheckBox("Exact field geometry"), "Check_exact_field_geometry");
+    exact->setToolTip(
+        "Compute the physical response of every body, with the field resolved across its own "
+        "strike, instead of the model format's formulas");
+    connect(exact, &QCheckBox::clicked, this, [this] { check_exact_field_geometry(ws_); });
+    ff->addRow(exact);
     dl->addWidget(field_box);
     dl->addStretch();
     tabs_->addTab(definitions, "Definitions");

@@ -41,6 +41,9 @@ struct edit_step {
     std::vector<body_definition> after;
     int current_before = 0;
     int current_after = 0;
+    // The model's field geometry before and after; a step may change only that.
+    bool exact_before = false;
+    bool exact_after = false;
     std::size_t bytes = 0;  // estimated size of the definitions held
 };
 

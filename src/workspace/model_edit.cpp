@@ -70,6 +70,13 @@ void step_through_history(modelling_workspace& ws, bool forward) {
     if (!step) return;
     const auto target = step_definitions(*step, body_definitions(ws.model), forward);
     const int current = forward ? step->current_after : step->current_before;
+    const bool exact = forward ? step->exact_after : step->exact_before;
+    if (exact != ws.model.exact_field_geometry) {
+        // Every body's response depends on the geometry.
+        ws.model.exact_field_geometry = exact;
+        clear_body_results(ws.model);
+        show_field_geometry(ws);
+    }
     if (forward) {
         ws.history.redone();
     } else {
@@ -85,7 +92,8 @@ model_edit::model_edit(modelling_workspace& ws, std::string label, std::string m
       label_(std::move(label)),
       merge_key_(std::move(merge_key)),
       before_(body_definitions(ws.model)),
-      current_before_(ws.section.current_body) {}
+      current_before_(ws.section.current_body),
+      exact_before_(ws.model.exact_field_geometry) {}
 
 model_edit::~model_edit() {
     commit();
@@ -95,7 +103,15 @@ bool model_edit::commit(bool mark_model_changed) {
     if (done_) return changed_;
     done_ = true;
     auto step = make_edit_step(before_, current_before_, ws_.model, ws_.section.current_body);
+    const bool exact_after = ws_.model.exact_field_geometry;
+    if (!step && exact_after != exact_before_) {
+        step = edit_step{};
+        step->current_before = current_before_;
+        step->current_after = ws_.section.current_body;
+    }
     if (!step) return false;
+    step->exact_before = exact_before_;
+    step->exact_after = exact_after;
     changed_ = true;
     ws_.history.record(std::move(*step), label_, merge_key_);
     if (mark_model_changed) {

@@ -1,9 +1,9 @@
-// The one way the bodies of the model are changed: every edit (a table cell, a slider step, a
-// body operation, a flag menu, an accepted inversion) runs inside a model_edit, which keeps the
-// body definitions as they were and, on commit, records the change as an undo step, marks the
-// model changed and names the step on the Edit menu ("Undo Dip of Body 2"). Undo and redo put
-// the definitions back; a body whose definition is unchanged keeps its computed response, so
-// undoing a sort or a delete recomputes nothing it need not.
+// The one way the bodies of the model (and its field geometry) are changed: every edit (a table
+// cell, a slider step, a body operation, a flag menu, an accepted inversion) runs inside a
+// model_edit, which keeps the body definitions as they were and, on commit, records the change as
+// an undo step, marks the model changed and names the step on the Edit menu ("Undo Dip of Body 2").
+// Undo and redo put the definitions back; a body whose definition is unchanged keeps its computed
+// response, so undoing a sort or a delete recomputes nothing it need not.
 //
 //   {
 //       model_edit edit(ws, "Dip of Body 2");            // or with a merge key for a slider
@@ -47,6 +47,7 @@ private:
     std::string merge_key_;
     std::vector<body_definition> before_;
     int current_before_ = 0;
+    bool exact_before_ = false;
     bool done_ = false;
     bool changed_ = false;
 };

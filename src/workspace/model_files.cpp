@@ -126,6 +126,7 @@ void load_data_format_on_form(modelling_workspace& ws) {
     view.set_text("Text_finite_body_right_clip", general_number(m.finite_body_right_clip));
     view.set_text("Text_infinite_body_length", general_number(m.infinite_body_length));
     view.set_checked("Check_display_total_gradient", m.vg_component_1 == 1);
+    show_field_geometry(ws);
     if (m.display_settings_present) {
         view.set_checked("menu_display_axes", m.display_axes != 0);
         view.set_checked("Check_show_body_label", m.show_body_label != 0);

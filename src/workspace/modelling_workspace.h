@@ -153,6 +153,11 @@ void menu_highlight_on(modelling_workspace& ws);
 void check_show_body_label(modelling_workspace& ws);
 void check_display_total_gradient(modelling_workspace& ws);
 void check_maintain_aspect_ratio(modelling_workspace& ws);
+// Check_exact_field_geometry: the model's field geometry, an undoable edit, recomputed at once.
+void check_exact_field_geometry(modelling_workspace& ws);
+// Sets the check box and the status label ("Exact field geometry" or "Format field geometry")
+// from the model.
+void show_field_geometry(modelling_workspace& ws);
 void command_reset_graph_scale(modelling_workspace& ws);
 
 // --- Zoom and pan -----------------------------------------------------------------------------

@@ -75,6 +75,11 @@ std::vector<command> every_command() {
              pointer_move_on_model(f.ws, section_graph, false, 640.0, -12.5);
              double_click_on_model(f.ws, section_graph);
          }},
+        {"Exact Field Geometry",
+         [](editing_fixture& f) {
+             f.view.checks["Check_exact_field_geometry"] = true;
+             check_exact_field_geometry(f.ws);
+         }},
         {"Delete All Bodies", [](editing_fixture& f) { menu_delete_body(f.ws, delete_all); }},
     };
 }
@@ -121,6 +126,26 @@ TEST(body_undo, undone_move_and_delete_recompute_nothing) {
     menu_undo(f.ws);
     menu_undo(f.ws);
     EXPECT_EQ(f.responses_computed(), 0);
+    EXPECT_EQ(f.computed_channels(), start);
+}
+
+// The field geometry check box recomputes every body at once and says which geometry is in force;
+// undo puts the format's geometry, its label and its numbers back.
+TEST(body_undo, field_geometry_recomputes_every_body_and_undoes) {
+    editing_fixture f;
+    const std::vector<float> start = f.computed_channels();
+    f.view.checks["Check_exact_field_geometry"] = true;
+    check_exact_field_geometry(f.ws);
+    EXPECT_TRUE(f.ws.model.exact_field_geometry);
+    EXPECT_TRUE(f.ws.model_changed);
+    EXPECT_EQ(f.view.text("Label_field_geometry"), "Exact field geometry");
+    EXPECT_EQ(f.ws.response.mag_responses_computed, f.ws.model.num_bodies);
+    EXPECT_EQ(f.ws.response.grav_responses_computed, f.ws.model.num_bodies);
+    EXPECT_NE(f.computed_channels(), start);
+    menu_undo(f.ws);
+    EXPECT_FALSE(f.ws.model.exact_field_geometry);
+    EXPECT_FALSE(f.view.checked("Check_exact_field_geometry"));
+    EXPECT_EQ(f.view.text("Label_field_geometry"), "Format field geometry");
     EXPECT_EQ(f.computed_channels(), start);
 }
 
