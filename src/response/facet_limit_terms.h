@@ -3,7 +3,7 @@
 // of 1 / r along an edge and the solid angle of a triangle.
 //
 //   double l = edge_line_integral(s1, r1, s2, r2);
-//   double omega = triangle_solid_angle(a, b, c);
+//   half_angle h = triangle_half_angle(a, ra, b, rb, c, rc);   // omega = 2 atan2(num, den)
 #pragma once
 
 #include <array>
@@ -26,8 +26,9 @@ inline space_vector cross(const space_vector& a, const space_vector& b) {
 //   L = ln((r2 + s2) / (r1 + s1)) = ln((r1 - s1) / (r2 - s2)),
 // taking the form whose terms do not cancel, so that a station on the line of the edge beyond
 // its ends gets the limit ln(s2 / s1) (Guptasarma and Singh 1999). A station on the edge itself
-// or on a corner is singular: the edge adds 0.
-inline double edge_line_integral(double s1, double r1, double s2, double r2) {
+// or on a corner is singular: the edge adds 0. edge_ratio is the argument of the logarithm, so
+// that edges whose terms share a weight can share one logarithm.
+inline double edge_ratio(double s1, double r1, double s2, double r2) {
     double num, den;
     if (s1 + s2 >= 0.0) {
         num = r2 + s2;
@@ -36,21 +37,27 @@ inline double edge_line_integral(double s1, double r1, double s2, double r2) {
         num = r1 - s1;
         den = r2 - s2;
     }
-    if (!(num > 0.0) || !(den > 0.0)) return 0.0;
-    return std::log(num / den);
+    if (!(num > 0.0) || !(den > 0.0)) return 1.0;
+    return num / den;
 }
 
-// The signed solid angle (sr) of the triangle a, b, c (positions from the station), positive when
-// the station sees the corners counter-clockwise, i.e. stands behind the right-handed normal:
+inline double edge_line_integral(double s1, double r1, double s2, double r2) {
+    return std::log(edge_ratio(s1, r1, s2, r2));
+}
+
+// Half the signed solid angle of the triangle a, b, c (positions from the station, r their
+// lengths) as the argument of den + i num, positive when the station sees the corners
+// counter-clockwise, i.e. stands behind the right-handed normal:
 //   tan(omega / 2) = a . (b x c) / (|a||b||c| + (a.b)|c| + (a.c)|b| + (b.c)|a|)
-// (Van Oosterom and Strackee 1983). A station in the triangle's plane outside it gets 0; one on
-// the triangle itself gets -2 pi, the limit from the side the normal points to.
-inline double triangle_solid_angle(const space_vector& a, double ra, const space_vector& b,
-                                   double rb, const space_vector& c, double rc) {
-    const double num = dot(a, cross(b, c));
-    const double den = ra * rb * rc + dot(a, b) * rc + dot(a, c) * rb + dot(b, c) * ra;
-    if (num == 0.0) return den < 0.0 ? -2.0 * 3.14159265358979 : 0.0;
-    return 2.0 * std::atan2(num, den);
+// (Van Oosterom and Strackee 1983). A station in the triangle's plane outside it gives num 0 and
+// den above 0 (omega 0); one on the triangle itself num 0 and den below 0.
+struct half_angle {
+    double num = 0.0, den = 1.0;
+};
+
+inline half_angle triangle_half_angle(const space_vector& a, double ra, const space_vector& b,
+                                      double rb, const space_vector& c, double rc) {
+    return {dot(a, cross(b, c)), ra * rb * rc + dot(a, b) * rc + dot(a, c) * rb + dot(b, c) * ra};
 }
 
 }  // namespace trensil

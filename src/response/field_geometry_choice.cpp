@@ -129,26 +129,26 @@ std::string section_magnetics(const model_record& model, body_record& body, floa
     const double Dx = std::max(0.0, static_cast<double>(body.depth_extent.value));
     const double top = body.top.value;
     const station_rows s = rows_of(model.profile);
-    const section_outline thick = thick_section(body, dip, Dx);
-    const section_outline edge = edge_outline(dip.down);
+    const sheet_section thick = prepare_sheet_section(thick_section(body, dip, Dx), j, f);
+    const edge_section edge = prepare_edge_section(dip.down, j, f);
+    const thin_sheet_terms thin =
+        prepare_thin_sheet(std::fabs(W), W / 2.0, Dx * dip.cot, Dx, dip.down, j, f);
     for (int i = 1; i <= model.profile.num_stations; ++i) {
         const double x = frame.across(s.east[i - 1], s.north[i - 1]);
         const double depth = top - s.elevation[i - 1];
         double v = 0.0;
         switch (body.type) {
             case thin_sheet:
-                v = thin_sheet_total_field(std::fabs(W), W / 2.0, Dx * dip.cot, Dx, dip.down, j, f,
-                                           x, depth);
+                v = thin_sheet_total_field(thin, x, depth);
                 break;
             case edge_body:
-                v = section_total_field(edge, j, f, x, depth);
+                v = edge_total_field(edge, x, depth);
                 break;
             case sloping_step:
-                v = section_total_field(edge, j, f, x, depth) -
-                    section_total_field(edge, j, f, x - W, depth - Dx);
+                v = step_total_field(edge, W, Dx, x, depth);
                 break;
             default:
-                v = section_total_field(thick, j, f, x, depth);
+                v = sheet_section_total_field(thick, x, depth);
                 break;
         }
         if (auto d = add_to_response_row(row, i, v); !d.empty()) return d;

@@ -42,19 +42,13 @@ complex_value unit_direction(const complex_value& a, const complex_value& b) {
     return len > 0.0 ? d / len : complex_value(0.0, 0.0);
 }
 
-// The sums over the edges of one section at one station: sum conj(t)^2 ln(w2 / w1) for the
-// field and sum t^2 [conj(w) ln conj(w)] for the attraction, each ln continuous along its edge.
-struct section_sums {
-    complex_value magnetic{0.0, 0.0};
-    complex_value gravity{0.0, 0.0};
-};
-
-section_sums sum_edges(const section_outline& s, double x, double depth, bool want_gravity) {
+// sum_e t^2 [conj(w) ln conj(w)] over the edges of a closed section at one station, each ln
+// continuous along its edge.
+complex_value sum_gravity_edges(const section_outline& s, double x, double depth) {
     std::array<corner_view, 6> v;
     for (int k = 0; k < s.count; ++k) v[k] = view_corner(s.x[k], s.depth[k], x, depth);
-    section_sums out;
-    const int edges = s.open ? s.count - 1 : s.count;
-    for (int e = 0; e < edges; ++e) {
+    complex_value out{0.0, 0.0};
+    for (int e = 0; e < s.count; ++e) {
         const corner_view& a = v[e];
         const corner_view& b = v[(e + 1) % s.count];
         if (a.at_station || b.at_station) continue;
@@ -62,30 +56,15 @@ section_sums sum_edges(const section_outline& s, double x, double depth, bool wa
             unit_direction(complex_value(s.x[e], s.depth[e]),
                            complex_value(s.x[(e + 1) % s.count], s.depth[(e + 1) % s.count]));
         const double turn = wrap_angle(b.arg - a.arg);
-        const complex_value tc = std::conj(t);
-        out.magnetic += tc * tc * complex_value(b.log_r - a.log_r, turn);
-        if (want_gravity) {
-            const complex_value lb(b.log_r, -(a.arg + turn)), la(a.log_r, -a.arg);
-            out.gravity += t * t * (std::conj(b.w) * lb - std::conj(a.w) * la);
-        }
-    }
-    if (s.open) {
-        // The ray into corner 0 and the ray out of the last corner: the corners at infinity
-        // give a constant, which is dropped; the angle each ray subtends stays continuous.
-        const corner_view& first = v[0];
-        const corner_view& last = v[s.count - 1];
-        if (!first.at_station) {
-            const double from = std::arg(-s.in_ray);
-            const complex_value tc = std::conj(s.in_ray);
-            out.magnetic += tc * tc * complex_value(first.log_r, wrap_angle(first.arg - from));
-        }
-        if (!last.at_station) {
-            const double to = std::arg(s.out_ray);
-            const complex_value tc = std::conj(s.out_ray);
-            out.magnetic += tc * tc * complex_value(-last.log_r, wrap_angle(to - last.arg));
-        }
+        const complex_value lb(b.log_r, -(a.arg + turn)), la(a.log_r, -a.arg);
+        out += t * t * (std::conj(b.w) * lb - std::conj(a.w) * la);
     }
     return out;
+}
+
+// The angle from a to b seen from the origin, in (-pi, pi]: atan2(a x b, a . b).
+double subtended(double ax, double az, double bx, double bz) {
+    return std::atan2(ax * bz - az * bx, ax * bx + az * bz);
 }
 
 }  // namespace
@@ -106,45 +85,132 @@ section_outline thick_sheet_outline(double width, double rise, double depth_exte
     } else {
         s.count = 2;
         s.open = true;
-        s.in_ray = -down_dip;
         s.out_ray = down_dip;
     }
     return s;
 }
 
-section_outline edge_outline(complex_value down_dip) {
-    section_outline s;
-    s.count = 1;
-    s.open = true;
-    s.in_ray = -down_dip;
-    s.out_ray = complex_value(1.0, 0.0);
-    return s;
-}
-
-double section_total_field(const section_outline& s, const complex_value& magnetisation,
-                           const complex_value& field_direction, double x, double depth) {
-    const complex_value sum = sum_edges(s, x, depth, false).magnetic;
-    return (minus_i * magnetisation * field_direction / (4.0 * pi) * sum).real();
-}
-
 double section_gravity(const section_outline& s, double x, double depth) {
-    return (minus_i * sum_edges(s, x, depth, true).gravity).imag();
+    return (minus_i * sum_gravity_edges(s, x, depth)).imag();
 }
 
-double thin_sheet_total_field(double width, double x_top, double shift, double depth_extent,
-                              complex_value down_dip, const complex_value& magnetisation,
-                              const complex_value& field_direction, double x, double depth) {
-    const complex_value w_top(x_top - x, -depth);
-    if (std::norm(w_top) == 0.0) return 0.0;
-    complex_value ends = 1.0 / w_top;
-    if (depth_extent > 0.0) {
-        const complex_value w_bottom(x_top + shift - x, depth_extent - depth);
-        if (std::norm(w_bottom) == 0.0) return 0.0;
-        ends -= 1.0 / w_bottom;
+sheet_section prepare_sheet_section(const section_outline& s, const complex_value& magnetisation,
+                                    const complex_value& field_direction) {
+    sheet_section out;
+    out.outline = s;
+    const complex_value c = minus_i * magnetisation * field_direction / (4.0 * pi);
+    const complex_value top =
+        unit_direction(complex_value(s.x[0], s.depth[0]), complex_value(s.x[1], s.depth[1]));
+    const complex_value side = s.open ? s.out_ray
+                                      : unit_direction(complex_value(s.x[1], s.depth[1]),
+                                                       complex_value(s.x[2], s.depth[2]));
+    const complex_value top_c = std::conj(top), side_c = std::conj(side);
+    out.k = c * (top_c * top_c - side_c * side_c);
+    // Inside, the four edges (or the top and the two rays) wind once round the station: the
+    // sides' sum gains 2 pi i, and the poles' field the -J / 2 that the complex form leaves out
+    // outside, where the winding is 0. The value is the field of the poles (mu0 H), as the
+    // solid bodies give it.
+    out.inside = (c * side_c * side_c * complex_value(0.0, 2.0 * pi)).real() -
+                 (std::conj(magnetisation) * field_direction).real() / 2.0;
+    return out;
+}
+
+double sheet_section_total_field(const sheet_section& m, double x, double depth) {
+    const section_outline& s = m.outline;
+    const double ax = s.x[0] - x, az = s.depth[0] - depth;
+    const double bx = s.x[1] - x, bz = s.depth[1] - depth;
+    double ra = ax * ax + az * az, rb = bx * bx + bz * bz;
+    double angle = subtended(ax, az, bx, bz);
+    // Where the station lies in the frame of the top edge and the side: inside for 0 < u < 1 and
+    // 0 < v (< 1 when closed).
+    const double ex = s.x[1] - s.x[0], ez = s.depth[1] - s.depth[0];
+    const double sx = s.open ? s.out_ray.real() : s.x[3] - s.x[0];
+    const double sz = s.open ? s.out_ray.imag() : s.depth[3] - s.depth[0];
+    const double det = ex * sz - ez * sx;
+    const double u = det != 0.0 ? (-ax * sz + az * sx) / det : -1.0;
+    const double v = det != 0.0 ? (ex * -az + ez * ax) / det : -1.0;
+    bool inside = u > 0.0 && u < 1.0 && v > 0.0;
+    if (!s.open) {
+        // L_top + L_bottom: the bottom runs from the third corner to the fourth.
+        const double cx = s.x[2] - x, cz = s.depth[2] - depth;
+        const double dx = s.x[3] - x, dz = s.depth[3] - depth;
+        ra *= cx * cx + cz * cz;
+        rb *= dx * dx + dz * dz;
+        angle += subtended(cx, cz, dx, dz);
+        inside = inside && v < 1.0;
     }
-    const complex_value tc = std::conj(down_dip);
-    const complex_value k = 1.0 - tc * tc;
-    return (minus_i * width * magnetisation * field_direction / (4.0 * pi) * k * ends).real();
+    if (ra == 0.0 || rb == 0.0) return 0.0;
+    const double log_sum = 0.5 * std::log(rb / ra);
+    return m.k.real() * log_sum - m.k.imag() * angle + (inside ? m.inside : 0.0);
+}
+
+edge_section prepare_edge_section(complex_value down_dip, const complex_value& magnetisation,
+                                  const complex_value& field_direction) {
+    edge_section e;
+    e.c = minus_i * magnetisation * field_direction / (4.0 * pi);
+    const complex_value side_c = std::conj(down_dip);
+    e.k_in = side_c * side_c;
+    e.from = std::arg(down_dip);  // the side comes up from infinity below
+    e.to = 0.0;                   // the top leaves toward +x
+    return e;
+}
+
+namespace {
+
+// The edge's sum at one corner position (relative to the station), its log term apart:
+// conj(t_side)^2 i a_in + i a_out, and the arg of the corner.
+complex_value edge_angles(const edge_section& e, double wx, double wz) {
+    const double arg = std::atan2(wz, wx);
+    const double a_in = wrap_angle(arg - e.from);
+    const double a_out = wrap_angle(e.to - arg);
+    return e.k_in * complex_value(0.0, a_in) + complex_value(0.0, a_out);
+}
+
+}  // namespace
+
+double edge_total_field(const edge_section& e, double x, double depth) {
+    const double wx = -x, wz = -depth;
+    const double r2 = wx * wx + wz * wz;
+    if (r2 == 0.0) return 0.0;
+    const complex_value sum = (e.k_in - 1.0) * (0.5 * std::log(r2)) + edge_angles(e, wx, wz);
+    return (e.c * sum).real();
+}
+
+double step_total_field(const edge_section& e, double width, double drop, double x, double depth) {
+    const double ax = -x, az = -depth, bx = width - x, bz = drop - depth;
+    const double ra = ax * ax + az * az, rb = bx * bx + bz * bz;
+    if (ra == 0.0 || rb == 0.0) return 0.0;
+    const complex_value sum = (e.k_in - 1.0) * (0.5 * std::log(ra / rb)) + edge_angles(e, ax, az) -
+                              edge_angles(e, bx, bz);
+    return (e.c * sum).real();
+}
+
+thin_sheet_terms prepare_thin_sheet(double width, double x_top, double shift, double depth_extent,
+                                    complex_value down_dip, const complex_value& magnetisation,
+                                    const complex_value& field_direction) {
+    thin_sheet_terms t;
+    t.x_top = x_top;
+    t.shift = shift;
+    t.depth_extent = depth_extent;
+    const complex_value side_c = std::conj(down_dip);
+    t.k = minus_i * width * magnetisation * field_direction / (4.0 * pi) * (1.0 - side_c * side_c);
+    return t;
+}
+
+double thin_sheet_total_field(const thin_sheet_terms& t, double x, double depth) {
+    // 1 / w = conj(w) / |w|^2 for the top and the bottom end.
+    const double tx = t.x_top - x, tz = -depth;
+    const double rt = tx * tx + tz * tz;
+    if (rt == 0.0) return 0.0;
+    double ur = tx / rt, ui = -tz / rt;
+    if (t.depth_extent > 0.0) {
+        const double bx = t.x_top + t.shift - x, bz = t.depth_extent - depth;
+        const double rb = bx * bx + bz * bz;
+        if (rb == 0.0) return 0.0;
+        ur -= bx / rb;
+        ui += bz / rb;
+    }
+    return t.k.real() * ur - t.k.imag() * ui;
 }
 
 double thin_sheet_gravity(double width, double x_top, double shift, double depth_extent, double x,
