@@ -146,24 +146,24 @@ double sheet_section_total_field(const sheet_section& m, double x, double depth)
 
 edge_section prepare_edge_section(complex_value down_dip, const complex_value& magnetisation,
                                   const complex_value& field_direction) {
-    edge_section e;
-    e.c = minus_i * magnetisation * field_direction / (4.0 * pi);
+    const complex_value c = minus_i * magnetisation * field_direction / (4.0 * pi);
     const complex_value side_c = std::conj(down_dip);
-    e.k_in = side_c * side_c;
+    const complex_value k = side_c * side_c;
+    edge_section e;
+    e.log_weight = (c * (k - 1.0)).real();
+    e.in_weight = (c * k * complex_value(0.0, 1.0)).real();
+    e.out_weight = (c * complex_value(0.0, 1.0)).real();
     e.from = std::arg(down_dip);  // the side comes up from infinity below
-    e.to = 0.0;                   // the top leaves toward +x
     return e;
 }
 
 namespace {
 
-// The edge's sum at one corner position (relative to the station), its log term apart:
-// conj(t_side)^2 i a_in + i a_out, and the arg of the corner.
-complex_value edge_angles(const edge_section& e, double wx, double wz) {
+// The angle terms of the edge at a corner w (relative to the station): the two rays' subtended
+// angles, weighted.
+double edge_angles(const edge_section& e, double wx, double wz) {
     const double arg = std::atan2(wz, wx);
-    const double a_in = wrap_angle(arg - e.from);
-    const double a_out = wrap_angle(e.to - arg);
-    return e.k_in * complex_value(0.0, a_in) + complex_value(0.0, a_out);
+    return e.in_weight * wrap_angle(arg - e.from) + e.out_weight * wrap_angle(-arg);
 }
 
 }  // namespace
@@ -172,17 +172,14 @@ double edge_total_field(const edge_section& e, double x, double depth) {
     const double wx = -x, wz = -depth;
     const double r2 = wx * wx + wz * wz;
     if (r2 == 0.0) return 0.0;
-    const complex_value sum = (e.k_in - 1.0) * (0.5 * std::log(r2)) + edge_angles(e, wx, wz);
-    return (e.c * sum).real();
+    return e.log_weight * 0.5 * std::log(r2) + edge_angles(e, wx, wz);
 }
 
 double step_total_field(const edge_section& e, double width, double drop, double x, double depth) {
     const double ax = -x, az = -depth, bx = width - x, bz = drop - depth;
     const double ra = ax * ax + az * az, rb = bx * bx + bz * bz;
     if (ra == 0.0 || rb == 0.0) return 0.0;
-    const complex_value sum = (e.k_in - 1.0) * (0.5 * std::log(ra / rb)) + edge_angles(e, ax, az) -
-                              edge_angles(e, bx, bz);
-    return (e.c * sum).real();
+    return e.log_weight * 0.5 * std::log(ra / rb) + edge_angles(e, ax, az) - edge_angles(e, bx, bz);
 }
 
 thin_sheet_terms prepare_thin_sheet(double width, double x_top, double shift, double depth_extent,

@@ -63,9 +63,10 @@ double sheet_section_total_field(const sheet_section& s, double x, double depth)
 // The edge made ready: its corner at (0, 0), the dipping side coming up along -down_dip and the
 // top leaving along +x, both without end.
 struct edge_section {
-    complex_value c{0.0, 0.0};     // -i (J f) / (4 pi)
-    complex_value k_in{0.0, 0.0};  // conj(t_side)^2
-    double from = 0.0, to = 0.0;   // directions of the rays' far ends
+    // dT = log_weight ln |w| + in_weight a_in + out_weight a_out: the real and imaginary parts of
+    // c (conj(t_side)^2 - 1), -i c conj(t_side)^2 and -i c, c = -i (J f) / (4 pi).
+    double log_weight = 0.0, in_weight = 0.0, out_weight = 0.0;
+    double from = 0.0;  // direction of the dipping side's far end; the top's is 0
 };
 edge_section prepare_edge_section(complex_value down_dip, const complex_value& magnetisation,
                                   const complex_value& field_direction);
