@@ -7,6 +7,7 @@
 #include "cli_command.h"
 #include "cli_model.h"
 #include "io/profile_data_export.h"
+#include "output_paths.h"
 #include "response/channel_setup.h"
 #include "support/number_format.h"
 #include "support/paths.h"
@@ -48,10 +49,24 @@ int run_compute(const std::vector<std::string>& args) {
         return exit_failure;
     }
 
+    // Checked before the work: MODEL.csv, the default, may be the model's own data file.
+    const int refused = refused_output_paths(
+        {{"the model", model_path}, {"the model's data file", model.data_file}}, {out}, error);
+    if (refused != exit_ok) {
+        std::cerr << "trensil-cli compute: " << error << "\n";
+        return refused;
+    }
+
     // The channels the window would show and export for this model file.
     response_state state;
     state.ui = &ui;
+    const std::size_t messages_before = ui.messages.size();
     calculate_model_channels(model, state);
+    if (report_engine_failures(ui, messages_before, std::cerr, "trensil-cli compute: ")) {
+        std::cerr << "trensil-cli compute: the response is not whole; " << out
+                  << " is not written\n";
+        return exit_failure;
+    }
 
     // A new folder for the output is made, as a save dialog would let the user do.
     const std::string out_folder = directory_part(out);

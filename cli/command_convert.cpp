@@ -4,6 +4,7 @@
 #include "cli_command.h"
 #include "cli_model.h"
 #include "io/model_file_writer.h"
+#include "output_paths.h"
 
 namespace trensil::cli {
 namespace {
@@ -26,6 +27,13 @@ int run_convert(const std::vector<std::string>& args) {
     if (!load_cli_model({parsed.positional[0], "", false}, model, ui, error)) {
         std::cerr << "trensil-cli convert: " << error << "\n";
         return exit_failure;
+    }
+    const int refused = refused_output_paths(
+        {{"the model", parsed.positional[0]}, {"the model's data file", model.data_file}}, {out},
+        error);
+    if (refused != exit_ok) {
+        std::cerr << "trensil-cli convert: " << error << "\n";
+        return refused;
     }
     if (!may_write(out, ui)) {
         std::cerr << "trensil-cli convert: " << out << " exists; give --force to overwrite it\n";

@@ -8,6 +8,7 @@
 #include "cli_model.h"
 #include "field_option.h"
 #include "grid/gdal_grid.h"
+#include "output_paths.h"
 #include "project/digitising.h"
 #include "project/line_files.h"
 #include "support/paths.h"
@@ -123,6 +124,14 @@ int run_sample_grid(const std::vector<std::string>& args) {
 
     console_platform ui(parsed.has("--force"));
     const std::string model_path = parsed.value("--model");
+    const int refused = refused_output_paths({{"the magnetic grid", parsed.value("--mag")},
+                                              {"the DTM grid", parsed.value("--dtm")},
+                                              {"the sensor grid", parsed.value("--sensor")}},
+                                             {out, model_path}, error);
+    if (refused != exit_ok) {
+        std::cerr << "trensil-cli sample-grid: " << error << "\n";
+        return refused;
+    }
     if (!may_write(out, ui)) return failure(out + " exists; give --force to overwrite it");
     if (!model_path.empty() && !may_write(model_path, ui))
         return failure(model_path + " exists; give --force to overwrite it");

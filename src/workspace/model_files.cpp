@@ -34,14 +34,11 @@ void mark_changed(modelling_workspace& ws) {
 
 // Reads the data file the model names and sets up its profile. Returns 0 or -1 (reported).
 int load_model_data(modelling_workspace& ws) {
-    model_record& model = ws.model;
-    model.profile.num_stations = 0;
-    if (check_data_definition(model, ws.transforms, ws.ui) != 0) return -1;
-    if (read_location_data(0, model, model.profile, ws.transforms, ws.ui) != 0) return -1;
-    if (model.profile.num_stations < 1) return -1;
-    if (read_location_data(1, model, model.profile, ws.transforms, ws.ui) != 0) return -1;
-    if (setup_profile(model, ws.ui) != 0) return -1;
-    prepare_channels(model);
+    ws.model.profile.num_stations = 0;
+    load_line_services services{ws.ui, ws.search, ws.transforms, &ws.settings};
+    std::int16_t status = -1;
+    trensil::load_model_data(ws.model, status, services);
+    if (status != 0) return -1;
     ws.graph_view.graph_ranges_valid = 0;
     return 0;
 }

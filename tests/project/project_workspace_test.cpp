@@ -239,10 +239,8 @@ TEST_F(project_form, data_file_line_through_the_column_preview) {
 }
 
 // A column that never holds a number (every data line is shorter than the magnetic column) is
-// reported by the loading and no line is made from it. The report comes from the range check of
-// the shared line loading (load_model_data), which is being added beside this work: the test
-// runs once that check is in.
-TEST_F(project_form, DISABLED_data_file_whose_chosen_column_holds_nothing) {
+// reported by the loading and no line is made from it.
+TEST_F(project_form, data_file_whose_chosen_column_holds_nothing) {
     save_project();
     testing::write_all(dir.file("short.csv"), "East,North,Mag\n1,2\n3,4\n5,6\n");
     ui.file_answers.push_back(dir.file("short.csv"));
