@@ -50,12 +50,9 @@ int run_compute(const std::vector<std::string>& args) {
     }
 
     // Checked before the work: MODEL.csv, the default, may be the model's own data file.
-    const int refused = refused_output_paths(
-        {{"the model", model_path}, {"the model's data file", model.data_file}}, {out}, error);
-    if (refused != exit_ok) {
-        std::cerr << "trensil-cli compute: " << error << "\n";
+    if (const int refused =
+            report_refused_outputs("compute", model_inputs(model_path, model.data_file), {out}))
         return refused;
-    }
 
     // The channels the window would show and export for this model file.
     response_state state;

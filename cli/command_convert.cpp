@@ -28,13 +28,9 @@ int run_convert(const std::vector<std::string>& args) {
         std::cerr << "trensil-cli convert: " << error << "\n";
         return exit_failure;
     }
-    const int refused = refused_output_paths(
-        {{"the model", parsed.positional[0]}, {"the model's data file", model.data_file}}, {out},
-        error);
-    if (refused != exit_ok) {
-        std::cerr << "trensil-cli convert: " << error << "\n";
+    if (const int refused = report_refused_outputs(
+            "convert", model_inputs(parsed.positional[0], model.data_file), {out}))
         return refused;
-    }
     if (!may_write(out, ui)) {
         std::cerr << "trensil-cli convert: " << out << " exists; give --force to overwrite it\n";
         return exit_failure;

@@ -52,13 +52,9 @@ int run_export_dxf(const std::vector<std::string>& args) {
     std::string body_path = parsed.value("--3d");
     if (body_path.empty()) body_path = body_dxf_default_name(model);
     const bool write_bodies = model.num_bodies > 0;
-    const int refused = refused_output_paths(
-        {{"the model", model_path}, {"the model's data file", model.data_file}},
-        {plan_path, body_path}, error);
-    if (refused != exit_ok) {
-        std::cerr << "trensil-cli export-dxf: " << error << "\n";
+    if (const int refused = report_refused_outputs(
+            "export-dxf", model_inputs(model_path, model.data_file), {plan_path, body_path}))
         return refused;
-    }
 
     std::vector<std::string> targets{plan_path};
     if (write_bodies) targets.push_back(body_path);

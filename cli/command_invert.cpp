@@ -212,12 +212,9 @@ int run_invert(const std::vector<std::string>& args) {
         model.profile.inversion_last_station = last;
     }
     // Refuse before the run rather than lose its result.
-    const int refused = refused_output_paths(
-        {{"the model", model_path}, {"the model's data file", model.data_file}}, {out, csv}, error);
-    if (refused != exit_ok) {
-        std::cerr << "trensil-cli invert: " << error << "\n";
+    if (const int refused =
+            report_refused_outputs("invert", model_inputs(model_path, model.data_file), {out, csv}))
         return refused;
-    }
     if (!may_write(out, ui) || (!csv.empty() && !may_write(csv, ui))) {
         std::cerr << "trensil-cli invert: " << (file_exists(out) ? out : csv)
                   << " exists; give --force to overwrite it\n";

@@ -85,10 +85,8 @@ int run_new_line(const std::vector<std::string>& args) {
     }
     std::string out = parsed.value("-o");
     if (out.empty()) out = drop_extension(data) + ".qvx";
-    if (const int refused = refused_output_paths({{"the data file", data}}, {out}, error)) {
-        std::cerr << "trensil-cli new-line: " << error << "\n";
+    if (const int refused = report_refused_outputs("new-line", {{"the data file", data}}, {out}))
         return refused;
-    }
 
     model_record model;
     reset_model(model);

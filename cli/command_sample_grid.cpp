@@ -66,6 +66,11 @@ int run_sample_grid(const std::vector<std::string>& args) {
     if (!sensor_is.empty() && sensor_is != "height" && sensor_is != "depth" &&
         sensor_is != "elevation")
         return usage_failure("--sensor-is takes height, depth or elevation");
+    if (const int refused = report_refused_outputs(
+            "sample-grid",
+            grid_inputs(parsed.value("--mag"), parsed.value("--dtm"), parsed.value("--sensor")),
+            {out, parsed.value("--model")}))
+        return refused;
 
     model_record scratch;  // the header of the line's model
     reset_model(scratch);
@@ -124,14 +129,6 @@ int run_sample_grid(const std::vector<std::string>& args) {
 
     console_platform ui(parsed.has("--force"));
     const std::string model_path = parsed.value("--model");
-    const int refused = refused_output_paths({{"the magnetic grid", parsed.value("--mag")},
-                                              {"the DTM grid", parsed.value("--dtm")},
-                                              {"the sensor grid", parsed.value("--sensor")}},
-                                             {out, model_path}, error);
-    if (refused != exit_ok) {
-        std::cerr << "trensil-cli sample-grid: " << error << "\n";
-        return refused;
-    }
     if (!may_write(out, ui)) return failure(out + " exists; give --force to overwrite it");
     if (!model_path.empty() && !may_write(model_path, ui))
         return failure(model_path + " exists; give --force to overwrite it");

@@ -1,6 +1,7 @@
 #include "output_paths.h"
 
 #include <filesystem>
+#include <iostream>
 
 #include "cli_command.h"
 
@@ -46,6 +47,23 @@ int refused_output_paths(const std::vector<input_file>& inputs,
         }
     }
     return exit_ok;
+}
+
+int report_refused_outputs(const std::string& command, const std::vector<input_file>& inputs,
+                           const std::vector<std::string>& outputs) {
+    std::string why;
+    const int refused = refused_output_paths(inputs, outputs, why);
+    if (refused != exit_ok) std::cerr << "trensil-cli " << command << ": " << why << "\n";
+    return refused;
+}
+
+std::vector<input_file> model_inputs(const std::string& model_path, const std::string& data_file) {
+    return {{"the model", model_path}, {"the model's data file", data_file}};
+}
+
+std::vector<input_file> grid_inputs(const std::string& mag, const std::string& dtm,
+                                    const std::string& sensor) {
+    return {{"the magnetic grid", mag}, {"the DTM grid", dtm}, {"the sensor grid", sensor}};
 }
 
 }  // namespace trensil::cli

@@ -2,10 +2,9 @@
 // without --force, and never two outputs to one file. Paths are compared as the files they name,
 // through symbolic links, "..", and hard links, whether or not the output exists yet.
 //
-//   std::string why;
-//   const int refused = refused_output_paths(
-//       {{"the model", model_path}, {"the model's data file", model.data_file}}, {out, csv}, why);
-//   if (refused != exit_ok) { std::cerr << "trensil-cli invert: " << why << "\n"; return refused; }
+//   if (const int refused = report_refused_outputs(
+//           "invert", model_inputs(model_path, model.data_file), {out, csv}))
+//       return refused;   // "trensil-cli invert: two outputs name one file: fit.qvx" (status 2)
 #pragma once
 
 #include <string>
@@ -23,5 +22,15 @@ struct input_file {
 // looked at.
 int refused_output_paths(const std::vector<input_file>& inputs,
                          const std::vector<std::string>& outputs, std::string& why);
+
+// The same, with `why` written to standard error as the one line of "trensil-cli COMMAND".
+int report_refused_outputs(const std::string& command, const std::vector<input_file>& inputs,
+                           const std::vector<std::string>& outputs);
+
+// What a command that reads a model reads: the model and its data file.
+std::vector<input_file> model_inputs(const std::string& model_path, const std::string& data_file);
+// What a command that samples grids reads: the magnetic, DTM and sensor grids ("" for none).
+std::vector<input_file> grid_inputs(const std::string& mag, const std::string& dtm,
+                                    const std::string& sensor);
 
 }  // namespace trensil::cli
