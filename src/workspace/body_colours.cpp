@@ -1,8 +1,8 @@
 #include "workspace/body_colours.h"
 
 #include <algorithm>
-#include <cmath>
 
+#include "support/colour_ramp.h"
 #include "workspace/body_command_support.h"
 #include "workspace/model_edit.h"
 #include "workspace/modelling_workspace.h"
@@ -22,18 +22,7 @@ float property_value(const body_record& b, int item) {
     }
 }
 
-std::int32_t component(float fraction) {
-    return static_cast<std::int32_t>(std::nearbyint(fraction * 255.0f));
-}
 }  // namespace
-
-void clcrgb(float fraction, float& red, float& green, float& blue) {
-    // Four straight legs between blue, cyan, green, yellow and red.
-    const float f = std::clamp(std::isfinite(fraction) ? fraction : 0.0f, 0.0f, 1.0f) * 4.0f;
-    red = std::clamp(f - 2.0f, 0.0f, 1.0f);
-    green = f < 3.0f ? std::min(f, 1.0f) : 4.0f - f;
-    blue = std::clamp(2.0f - f, 0.0f, 1.0f);
-}
 
 bool colour_bodies_by_property(model_record& model, int item) {
     float lo = 1e32f, hi = -1e32f;
@@ -45,10 +34,8 @@ bool colour_bodies_by_property(model_record& model, int item) {
     if (!(lo < hi)) return false;
     for (int i = 1; i <= model.num_bodies; ++i) {
         body_record& b = model.body(i);
-        float red = 0.0f, green = 0.0f, blue = 0.0f;
-        clcrgb((property_value(b, item) - lo) / (hi - lo), red, green, blue);
-        // Blue-green-red byte order: red in the low byte.
-        b.colour = component(red) + component(green) * 256 + component(blue) * 65536;
+        // The program's one colour scale, the one the grid viewer shades grids in.
+        b.colour = colour_ramp_value((property_value(b, item) - lo) / (hi - lo));
     }
     return true;
 }
