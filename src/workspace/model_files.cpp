@@ -168,6 +168,9 @@ int menu_open_model(modelling_workspace& ws, int item) {
         set_current_directory(directory);
         return -1;
     }
+    if (item == 0) {
+        if (const auto copy = offer_model_recovery(ws, *chosen)) return recover_model(ws, *copy);
+    }
     model_file_services services{ws.ui, ws.search, &ws.settings};
     std::int16_t status = 0;
     read_model_file(item == 0 ? 0 : 1, model, *chosen, status, services);

@@ -154,6 +154,8 @@ std::string recovery_key_path(const std::string& path) {
 recovery_session::recovery_session(std::string folder) : folder_(std::move(folder)) {
     std::error_code ec;
     fs::create_directories(folder_, ec);
+    // The copies are the user's work: for the user's eyes only.
+    fs::permissions(folder_, fs::perms::owner_all, fs::perm_options::replace, ec);
     using namespace std::chrono;
     const auto started =
         duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();

@@ -173,6 +173,7 @@ protected:
         model_autosave_tick(f.ws, t);
         f.ws.autosave.slot.finish();
         model_autosave_tick(f.ws, t);  // hears how the write went
+        f.ws.autosave.slot.finish();
     }
     // The timer sees the edit at `t` and writes the copy once the edits have paused.
     void write_copy(workspace_fixture& f, clock_type::time_point t) {
