@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QScrollBar>
 
 #include "grid_file_selector.h"
@@ -17,6 +18,8 @@ void set_control_text(QObject* c, const std::string& text) {
         e->setText(q(text));
     else if (auto* l = qobject_cast<QLabel*>(c))
         l->setText(q(text));
+    else if (auto* p = qobject_cast<QPlainTextEdit*>(c))
+        p->setPlainText(q(text));
     else if (auto* b = qobject_cast<QAbstractButton*>(c))
         b->setText(q(text));
     else if (auto* a = qobject_cast<QAction*>(c))
@@ -30,6 +33,7 @@ void set_control_text(QObject* c, const std::string& text) {
 std::string control_text(const QObject* c) {
     if (auto* e = qobject_cast<const QLineEdit*>(c)) return e->text().toStdString();
     if (auto* l = qobject_cast<const QLabel*>(c)) return l->text().toStdString();
+    if (auto* p = qobject_cast<const QPlainTextEdit*>(c)) return p->toPlainText().toStdString();
     if (auto* b = qobject_cast<const QAbstractButton*>(c)) return b->text().toStdString();
     if (auto* a = qobject_cast<const QAction*>(c)) return a->text().toStdString();
     if (auto* s = qobject_cast<const grid_file_selector*>(c)) return s->file().toStdString();

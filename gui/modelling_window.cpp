@@ -39,16 +39,6 @@
 namespace trensil {
 
 namespace {
-QString q(const std::string& s) {
-    return QString::fromStdString(s);
-}
-
-template <class T>
-T* named(T* object, const QString& name) {
-    object->setObjectName(name);
-    return object;
-}
-
 QLineEdit* field(QFormLayout* form, const QString& name, const QString& label) {
     auto* edit = named(new QLineEdit, name);
     form->addRow(label, edit);
@@ -462,90 +452,12 @@ QObject* modelling_window::control(const std::string& name) const {
     return findChild<QObject*>(q(name));
 }
 
-void modelling_window::set_text(const std::string& name, const std::string& text) {
-    QObject* c = control(name);
-    const QSignalBlocker block(c);
-    if (auto* e = qobject_cast<QLineEdit*>(c))
-        e->setText(q(text));
-    else if (auto* l = qobject_cast<QLabel*>(c))
-        l->setText(q(text));
-    else if (auto* p = qobject_cast<QPlainTextEdit*>(c))
-        p->setPlainText(q(text));
-    else if (auto* b = qobject_cast<QAbstractButton*>(c))
-        b->setText(q(text));
-    else if (auto* a = qobject_cast<QAction*>(c))
-        a->setText(q(text));
-}
-
-std::string modelling_window::text(const std::string& name) const {
-    QObject* c = control(name);
-    if (auto* e = qobject_cast<QLineEdit*>(c)) return e->text().toStdString();
-    if (auto* l = qobject_cast<QLabel*>(c)) return l->text().toStdString();
-    if (auto* p = qobject_cast<QPlainTextEdit*>(c)) return p->toPlainText().toStdString();
-    if (auto* b = qobject_cast<QAbstractButton*>(c)) return b->text().toStdString();
-    if (auto* a = qobject_cast<QAction*>(c)) return a->text().toStdString();
-    if (auto* cb = qobject_cast<QComboBox*>(c)) return cb->currentText().toStdString();
-    return {};
-}
-
-void modelling_window::set_checked(const std::string& name, bool on) {
-    QObject* c = control(name);
-    const QSignalBlocker block(c);
-    if (auto* b = qobject_cast<QAbstractButton*>(c)) b->setChecked(on);
-    if (auto* a = qobject_cast<QAction*>(c)) a->setChecked(on);
-}
-
-bool modelling_window::checked(const std::string& name) const {
-    QObject* c = control(name);
-    if (auto* b = qobject_cast<QAbstractButton*>(c)) return b->isChecked();
-    if (auto* a = qobject_cast<QAction*>(c)) return a->isChecked();
-    return false;
-}
-
-void modelling_window::set_enabled(const std::string& name, bool on) {
-    QObject* c = control(name);
-    if (auto* w = qobject_cast<QWidget*>(c)) w->setEnabled(on);
-    if (auto* a = qobject_cast<QAction*>(c)) a->setEnabled(on);
-}
-
-void modelling_window::set_visible(const std::string& name, bool on) {
-    QObject* c = control(name);
-    if (auto* w = qobject_cast<QWidget*>(c)) w->setVisible(on);
-    if (auto* a = qobject_cast<QAction*>(c)) a->setVisible(on);
-}
-
-bool modelling_window::visible(const std::string& name) const {
-    QObject* c = control(name);
-    if (auto* w = qobject_cast<QWidget*>(c)) return !w->isHidden();
-    if (auto* a = qobject_cast<QAction*>(c)) return a->isVisible();
-    return false;
-}
-
 void modelling_window::set_scroll(const std::string& name, int value, int min, int max) {
-    auto* bar = qobject_cast<QScrollBar*>(control(name));
-    if (!bar) return;
-    const QSignalBlocker block(bar);
-    if (name.rfind("VScroll", 0) == 0) {
+    if (name.rfind("VScroll", 0) != 0) return qt_named_controls::set_scroll(name, value, min, max);
+    if (auto* bar = qobject_cast<QScrollBar*>(control(name))) {
+        const QSignalBlocker block(bar);
         bar->setValue(0);
-        return;
     }
-    bar->setRange(min, max);
-    bar->setValue(value);
-}
-
-void modelling_window::set_items(const std::string& name, const std::vector<std::string>& items) {
-    auto* combo = qobject_cast<QComboBox*>(control(name));
-    if (!combo) return;
-    const QSignalBlocker block(combo);
-    combo->clear();
-    for (const std::string& item : items) combo->addItem(q(item));
-}
-
-void modelling_window::select_item(const std::string& name, int index) {
-    auto* combo = qobject_cast<QComboBox*>(control(name));
-    if (!combo) return;
-    const QSignalBlocker block(combo);
-    combo->setCurrentIndex(index);
 }
 
 void modelling_window::select_tab(int index) {
@@ -555,8 +467,7 @@ void modelling_window::select_tab(int index) {
 }
 
 int modelling_window::selected_item(const std::string& name) const {
-    auto* combo = qobject_cast<QComboBox*>(control(name));
-    return combo ? combo->currentIndex() : 0;
+    return std::max(qt_named_controls::selected_item(name), 0);
 }
 
 int modelling_window::current_tab() const {

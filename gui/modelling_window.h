@@ -12,6 +12,7 @@
 #include "body_table_widget.h"
 #include "graph_area.h"
 #include "graph_widget.h"
+#include "qt_named_controls.h"
 #include "qt_platform.h"
 #include "workspace/modelling_workspace.h"
 #include "workspace/workspace_inversion_view.h"
@@ -22,7 +23,7 @@ class QLineEdit;
 
 namespace trensil {
 
-class modelling_window : public QMainWindow, public modelling_view {
+class modelling_window : public QMainWindow, public qt_named_controls<modelling_view> {
     Q_OBJECT
 public:
     modelling_window(platform& ui, settings_store& settings, bool opened_from_project = false,
@@ -40,16 +41,9 @@ public:
     void unload();
 
     // modelling_view
-    void set_text(const std::string& control, const std::string& text) override;
-    std::string text(const std::string& control) const override;
-    void set_checked(const std::string& control, bool checked) override;
-    bool checked(const std::string& control) const override;
-    void set_enabled(const std::string& control, bool enabled) override;
-    void set_visible(const std::string& control, bool visible) override;
-    bool visible(const std::string& control) const override;
+    // The vertical bars of the scrolled panels stay at their top; a list not found has item 0
+    // selected.
     void set_scroll(const std::string& control, int value, int min, int max) override;
-    void set_items(const std::string& control, const std::vector<std::string>& items) override;
-    void select_item(const std::string& control, int index) override;
     int selected_item(const std::string& control) const override;
     void select_tab(int index) override;
     int current_tab() const override;
@@ -80,8 +74,9 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
+    QObject* control(const std::string& name) const override;
+
 private:
-    QObject* control(const std::string& name) const;
     body_table_widget* grid(const std::string& name) const;
     void build_menus();
     QWidget* build_tabs();

@@ -414,40 +414,6 @@ QObject* project_window::control(const std::string& name) const {
     return findChild<QObject*>(q(name));
 }
 
-void project_window::set_text(const std::string& name, const std::string& text) {
-    set_control_text(control(name), text);
-}
-std::string project_window::text(const std::string& name) const {
-    return control_text(control(name));
-}
-void project_window::set_checked(const std::string& name, bool on) {
-    set_control_checked(control(name), on);
-}
-bool project_window::checked(const std::string& name) const {
-    return control_checked(control(name));
-}
-void project_window::set_enabled(const std::string& name, bool on) {
-    set_control_enabled(control(name), on);
-}
-void project_window::set_visible(const std::string& name, bool on) {
-    set_control_visible(control(name), on);
-}
-bool project_window::visible(const std::string& name) const {
-    return control_visible(control(name));
-}
-void project_window::set_scroll(const std::string& name, int value, int min, int max) {
-    set_control_scroll(control(name), value, min, max);
-}
-void project_window::set_items(const std::string& name, const std::vector<std::string>& items) {
-    set_control_items(control(name), items);
-}
-void project_window::select_item(const std::string& name, int index) {
-    select_control_item(control(name), index);
-}
-int project_window::selected_item(const std::string& name) const {
-    return control_selected_item(control(name));
-}
-
 void project_window::set_table(const std::string& name,
                                const std::vector<std::vector<std::string>>& rows) {
     auto* table = qobject_cast<QTableWidget*>(control(name));

@@ -21,6 +21,7 @@
 #include "grid_viewer.h"
 #include "modelling_window.h"
 #include "project/project_workspace.h"
+#include "qt_named_controls.h"
 
 class QLabel;
 class QTabWidget;
@@ -28,7 +29,7 @@ class QTableWidget;
 
 namespace trensil {
 
-class project_window : public QMainWindow, public project_view {
+class project_window : public QMainWindow, public qt_named_controls<project_view> {
     Q_OBJECT
 public:
     project_window(platform& ui, settings_store& settings, QWidget* parent = nullptr);
@@ -45,17 +46,6 @@ public:
     void unload();
 
     // project_view
-    void set_text(const std::string& control, const std::string& text) override;
-    std::string text(const std::string& control) const override;
-    void set_checked(const std::string& control, bool checked) override;
-    bool checked(const std::string& control) const override;
-    void set_enabled(const std::string& control, bool enabled) override;
-    void set_visible(const std::string& control, bool visible) override;
-    bool visible(const std::string& control) const override;
-    void set_scroll(const std::string& control, int value, int min, int max) override;
-    void set_items(const std::string& control, const std::vector<std::string>& items) override;
-    void select_item(const std::string& control, int index) override;
-    int selected_item(const std::string& control) const override;
     void set_table(const std::string& control,
                    const std::vector<std::vector<std::string>>& rows) override;
     void select_row(const std::string& control, int row) override;
@@ -73,8 +63,9 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override;
 
+    QObject* control(const std::string& name) const override;
+
 private:
-    QObject* control(const std::string& name) const;
     void build_menus();
     QWidget* build_line_list();
     QWidget* build_data_file_frame();

@@ -11,12 +11,11 @@
 #include <QStringList>
 #include <iostream>
 
+#include "control_access.h"
+
 namespace trensil {
 
 namespace {
-QString q(const std::string& s) {
-    return QString::fromStdString(s);
-}
 QString caption(const std::string& title) {
     return title.empty() ? QStringLiteral("Trensil") : q(title);
 }

@@ -15,6 +15,8 @@
 #include <string>
 #include <vector>
 
+#include "support/named_controls.h"
+
 namespace trensil {
 
 class grid_source;
@@ -27,25 +29,8 @@ struct viewer_line {
     std::string label;         // the line number of a project line; "" otherwise
 };
 
-class project_view {
+class project_view : public named_controls {
 public:
-    virtual ~project_view() = default;
-
-    // Text of a text box, label, button or menu item.
-    virtual void set_text(const std::string& control, const std::string& text) = 0;
-    virtual std::string text(const std::string& control) const = 0;
-    // Check boxes.
-    virtual void set_checked(const std::string& control, bool checked) = 0;
-    virtual bool checked(const std::string& control) const = 0;
-    virtual void set_enabled(const std::string& control, bool enabled) = 0;
-    virtual void set_visible(const std::string& control, bool visible) = 0;
-    virtual bool visible(const std::string& control) const = 0;
-    // Value and range of a scroll bar.
-    virtual void set_scroll(const std::string& control, int value, int min, int max) = 0;
-    // Items of a combo box, and the selected one (-1: none).
-    virtual void set_items(const std::string& control, const std::vector<std::string>& items) = 0;
-    virtual void select_item(const std::string& control, int index) = 0;
-    virtual int selected_item(const std::string& control) const = 0;
     // The two tables, Grid_database and Grid_profile_lines: row 0 is the heading row, every row
     // a list of cells. select_row marks a data row (1 is the first; 0 none).
     virtual void set_table(const std::string& control,
@@ -63,11 +48,6 @@ public:
     virtual void zoom_viewers(double xmin, double ymin, double xmax, double ymax) = 0;
     // StatusBar_coords.
     virtual void set_status(const std::string& text) = 0;
-    // The window's caption and size (in the window's own units).
-    virtual void set_caption(const std::string& caption) = 0;
-    virtual void resize_form(int width, int height) = 0;
-    virtual int form_width() const = 0;
-    virtual int form_height() const = 0;
 };
 
 }  // namespace trensil

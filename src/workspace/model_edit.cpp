@@ -170,6 +170,17 @@ bool restore_body_definitions(model_record& model, const std::vector<body_defini
         for (int j = 0; j < pool_size && at(source, i) < 0; ++j)
             if (!at(used, j) && same(j, i)) take(i, j);
     }
+    // Alike in all that the responses depend on (a sort by distance renames the bodies after
+    // their places): the record keeps its responses and takes the target's name and flags.
+    for (int i = 0; i < n; ++i) {
+        for (int j = 0; j < std::min(pool_size, old_n) && at(source, i) < 0; ++j) {
+            if (at(used, j)) continue;
+            const response_change change = responses_changed(at(pool, j), at(target, i));
+            if (change.magnetic || change.gravity) continue;
+            take(i, j);
+            static_cast<body_definition&>(at(pool, j)) = at(target, i);
+        }
+    }
     // Changed: the record of the same place, when it is free, keeps what the change leaves
     // valid; any other record is stale throughout.
     for (int i = 0; i < n; ++i) {

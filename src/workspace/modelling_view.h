@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "support/named_controls.h"
+
 namespace trensil {
 
 // A rectangle on the window, in pixels: a control's place, or a grid cell's.
@@ -28,25 +30,8 @@ struct view_rect {
 inline constexpr char grid_column_separator = '\t';
 inline constexpr char grid_row_separator = '\r';
 
-class modelling_view {
+class modelling_view : public named_controls {
 public:
-    virtual ~modelling_view() = default;
-
-    // Text of a text box, label, button or menu item.
-    virtual void set_text(const std::string& control, const std::string& text) = 0;
-    virtual std::string text(const std::string& control) const = 0;
-    // Check boxes and ticked menu items.
-    virtual void set_checked(const std::string& control, bool checked) = 0;
-    virtual bool checked(const std::string& control) const = 0;
-    virtual void set_enabled(const std::string& control, bool enabled) = 0;
-    virtual void set_visible(const std::string& control, bool visible) = 0;
-    virtual bool visible(const std::string& control) const = 0;
-    // Value and range of a scroll bar.
-    virtual void set_scroll(const std::string& control, int value, int min, int max) = 0;
-    // Items of a list box or combo box, and the selected one.
-    virtual void set_items(const std::string& control, const std::vector<std::string>& items) = 0;
-    virtual void select_item(const std::string& control, int index) = 0;
-    virtual int selected_item(const std::string& control) const = 0;
     // The tabs of Tab_model.
     virtual void select_tab(int index) = 0;
     virtual int current_tab() const = 0;
@@ -57,12 +42,6 @@ public:
     // pixel of the screen's logical resolution).
     virtual void set_geometry(const std::string& control, float left, float top, float width,
                               float height) = 0;
-    // The window's caption and size (in the window's own units).
-    virtual void set_caption(const std::string& caption) = 0;
-    virtual void resize_form(int width, int height) = 0;
-    virtual int form_width() const = 0;
-    virtual int form_height() const = 0;
-
     // Grids (Grid_body): row 0 is the heading and column 0 the row labels. The whole text is
     // handed over at once, cells separated by grid_column_separator, rows by grid_row_separator.
     virtual void set_grid_text(const std::string& grid, const std::string& text) = 0;

@@ -22,6 +22,7 @@
 #include "inversion/inversion_view.h"
 #include "response/response_driver.h"
 #include "support/scripted_platform.h"
+#include "support/straight_line.h"
 
 namespace trensil::testing {
 
@@ -61,13 +62,7 @@ struct synthetic_line_with {
         model.basemag = 0.0f;
         model.basegrav = 0.0f;
         profile_block& p = model.profile;
-        p.allocate_stations(n);
-        for (int i = 1; i <= n; ++i) {
-            p.profile_distance(i) = 10.0f * static_cast<float>(i - 1);
-            p.location(easting_row, i) = 10.0 * (i - 1);
-            p.location(northing_row, i) = 0.0;
-        }
-        p.profile_azimuth = -1.5707963f;  // a line running east
+        testing_support::lay_out_straight_line(p, n, 0.0, 0.0, 10.0, 0.0, 0.0, 0.0);
         model.num_bodies = 1;
         new_body_defaults(model, 1, nullptr);
         body_record& b = model.body(1);

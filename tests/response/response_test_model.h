@@ -3,12 +3,10 @@
 // with the built-in defaults.
 #pragma once
 
-#include <cmath>
-
 #include "core/model_record.h"
 #include "response/response_state.h"
-#include "response/strike_frame.h"
 #include "support/scripted_platform.h"
+#include "support/straight_line.h"
 
 namespace trensil::testing_support {
 
@@ -22,17 +20,8 @@ inline model_record line_model(int n, double east0, double north0, double step_e
     model.dtm = 7;
     model.magpos = 5;
     model.gravpos = 6;
-    model.profile.allocate_stations(n);
-    const double step = std::hypot(step_east, step_north);
-    for (int i = 1; i <= n; ++i) {
-        model.profile.location(easting_row, i) = east0 + step_east * (i - 1);
-        model.profile.location(northing_row, i) = north0 + step_north * (i - 1);
-        model.profile.location(sensor_row, i) = elevation;
-        model.profile.location(ground_row, i) = elevation;
-        model.profile.profile_distance(i) = static_cast<float>(step * (i - 1));
-    }
-    double y = -step_north;
-    model.profile.profile_azimuth = static_cast<float>(bearing_of(-step_east, y));
+    lay_out_straight_line(model.profile, n, east0, north0, step_east, step_north, elevation,
+                          elevation);
     model.num_bodies = bodies;
     for (int b = 1; b <= bodies; ++b) new_body_defaults(model, b, nullptr);
     prepare_channels(model);

@@ -110,7 +110,7 @@ TEST(body_undo, every_command_is_one_named_step_and_all_undo_to_the_start) {
     EXPECT_EQ(f.computed_channels(), end_response);
 }
 
-TEST(body_undo, undone_move_and_delete_recompute_nothing) {
+TEST(body_undo, undone_move_sort_and_delete_recompute_nothing) {
     editing_fixture f;
     const std::vector<float> start = f.computed_channels();
     menu_sort_bodies(f.ws, send_to_end);
@@ -120,6 +120,15 @@ TEST(body_undo, undone_move_and_delete_recompute_nothing) {
     EXPECT_EQ(f.responses_computed(), 0);  // the rest re-summed, nothing recomputed
     menu_undo(f.ws);
     menu_undo(f.ws);
+    EXPECT_EQ(f.responses_computed(), 0);
+    EXPECT_EQ(f.computed_channels(), start);
+    // A sort by distance renames the bodies after their places; undone, each body is found again
+    // by what it is, not by its name.
+    const auto before_sort = body_definitions(f.ws.model);
+    menu_sort_bodies(f.ws, sort_descending);
+    ASSERT_NE(body_definitions(f.ws.model), before_sort);
+    menu_undo(f.ws);
+    EXPECT_EQ(body_definitions(f.ws.model), before_sort);
     EXPECT_EQ(f.responses_computed(), 0);
     EXPECT_EQ(f.computed_channels(), start);
 }

@@ -4,6 +4,7 @@
 
 #include "core/body_catalogue.h"
 #include "core/model_record.h"
+#include "support/straight_line.h"
 
 namespace trensil::testing_models {
 
@@ -14,17 +15,11 @@ inline model_record line_model(int n, float spacing = 10.0f, double sensor = 50.
     model_record model;
     reset_model(model);
     profile_block& p = model.profile;
-    p.allocate_stations(n);
-    p.profile_azimuth = -1.5707963f;  // a line running east
+    testing_support::lay_out_straight_line(p, n, 1000.0, 5000.0, spacing, 0.0, sensor, ground);
     p.xmin = 1000.0;
     p.xmax = 1000.0 + spacing * (n - 1);
     p.ymin = p.ymax = 5000.0;
     for (int i = 1; i <= n; ++i) {
-        p.profile_distance(i) = spacing * static_cast<float>(i - 1);
-        p.location(easting_row, i) = 1000.0 + spacing * (i - 1);
-        p.location(northing_row, i) = 5000.0;
-        p.location(sensor_row, i) = sensor;
-        p.location(ground_row, i) = ground;
         p.mag_channels(observed_raw, i) = 100.0f + static_cast<float>(i);
         p.mag_channels(observed_level, i) = 100.0f + static_cast<float>(i);
     }
