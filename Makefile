@@ -2,14 +2,17 @@
 # make test  installs what is missing, builds, runs every test (Release, then sanitizers)
 # make build builds everything into build/bin; make bench runs the benchmarks
 # make example-project remakes the example project's line files and project file
+# make fuzz  builds the fuzz targets with clang's libFuzzer and runs each FUZZ_SECONDS on its corpus
 
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
 JOBS       ?= $(shell nproc)
 EXAMPLE    ?= examples/project/tempest_survey.qvj
+FUZZ_BUILD ?= build-fuzz
+FUZZ_SECONDS ?= 60
 
 .PHONY: all deps configure build build-asan test test-release test-asan check-layers \
-        check-format format run bench clean example-project
+        check-format format run bench clean example-project fuzz
 
 all: build
 
@@ -60,5 +63,18 @@ example-project: configure
 bench: build
 	@for b in $(BUILD)/bin/bench_*; do echo "== $$b"; $$b || exit 1; done
 
+# New inputs that libFuzzer finds go to $(FUZZ_BUILD)/found/, not into the corpus; a failing input
+# is written to the current folder as crash-*, timeout-* or leak-*.
+fuzz: deps
+	@cmake -S . -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
+	    -DTRENSIL_LIBFUZZER=ON -DTRENSIL_GUI=OFF -DTRENSIL_BENCH=OFF >/dev/null
+	@for f in fuzz/fuzz_*.cpp; do t=$$(basename $$f .cpp); \
+	    cmake --build $(FUZZ_BUILD) -j $(JOBS) --target $$t >$(FUZZ_BUILD)/build.log 2>&1 \
+	        || { tail -40 $(FUZZ_BUILD)/build.log; exit 1; }; \
+	    mkdir -p $(FUZZ_BUILD)/found/$$t; echo "== $$t"; \
+	    $(FUZZ_BUILD)/bin/$$t -max_total_time=$(FUZZ_SECONDS) -timeout=10 \
+	        $(FUZZ_BUILD)/found/$$t fuzz/corpus/$$t >$(FUZZ_BUILD)/$$t.log 2>&1 \
+	        || { tail -40 $(FUZZ_BUILD)/$$t.log; exit 1; }; tail -1 $(FUZZ_BUILD)/$$t.log; done
+
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) out
+	rm -rf $(BUILD) $(ASAN_BUILD) $(FUZZ_BUILD) out

@@ -92,6 +92,13 @@ std::string check_input_file(const std::string& path, const std::string& what) {
     return std::string();
 }
 
+bool report_engine_failures(console_platform& ui, std::size_t first, std::ostream& err,
+                            const std::string& prefix) {
+    if (ui.messages.size() <= first) return false;
+    ui.flush_messages(err, prefix);
+    return true;
+}
+
 bool may_write(const std::string& path, console_platform& ui) {
     if (!file_exists(path)) return true;
     return ui.ask_yes_no("That file already, exists, overwrite?", "Save");

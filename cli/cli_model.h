@@ -10,6 +10,7 @@
 #pragma once
 
 #include <map>
+#include <ostream>
 #include <set>
 #include <string>
 #include <vector>
@@ -53,6 +54,13 @@ bool load_cli_model(const cli_model_request& request, model_record& model, conso
 
 // "" when `path` names a readable, non-empty text file; else why not, naming it as `what`.
 std::string check_input_file(const std::string& path, const std::string& what);
+
+// When a message was shown since message number `first` (the engine reports so while computing:
+// a body whose response stopped, a solid that could not be built), writes the messages not yet
+// written to `err`, one a line after `prefix`, and returns true: the command then fails instead
+// of writing results that are not whole.
+bool report_engine_failures(console_platform& ui, std::size_t first, std::ostream& err,
+                            const std::string& prefix);
 
 // Asks the overwrite question for an existing `path`: true when it may be written.
 bool may_write(const std::string& path, console_platform& ui);

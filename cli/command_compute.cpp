@@ -7,6 +7,7 @@
 #include "cli_command.h"
 #include "cli_model.h"
 #include "io/profile_data_export.h"
+#include "output_paths.h"
 #include "response/channel_setup.h"
 #include "support/number_format.h"
 #include "support/paths.h"
@@ -49,6 +50,11 @@ int run_compute(const std::vector<std::string>& args) {
         return exit_failure;
     }
 
+    // Checked before the work: MODEL.csv, the default, may be the model's own data file.
+    if (const int refused =
+            report_refused_outputs("compute", model_inputs(model_path, model.data_file), {out}))
+        return refused;
+
     // --exact computes the bodies' physics whatever the file holds.
     if (parsed.has("--exact")) {
         model.exact_field_geometry = true;
@@ -57,7 +63,13 @@ int run_compute(const std::vector<std::string>& args) {
     // The channels the window would show and export for this model file.
     response_state state;
     state.ui = &ui;
+    const std::size_t messages_before = ui.messages.size();
     calculate_model_channels(model, state);
+    if (report_engine_failures(ui, messages_before, std::cerr, "trensil-cli compute: ")) {
+        std::cerr << "trensil-cli compute: the response is not whole; " << out
+                  << " is not written\n";
+        return exit_failure;
+    }
 
     // A new folder for the output is made, as a save dialog would let the user do.
     const std::string out_folder = directory_part(out);

@@ -4,6 +4,7 @@
 #include "cli_command.h"
 #include "cli_model.h"
 #include "io/model_file_writer.h"
+#include "output_paths.h"
 
 namespace trensil::cli {
 namespace {
@@ -27,6 +28,9 @@ int run_convert(const std::vector<std::string>& args) {
         std::cerr << "trensil-cli convert: " << error << "\n";
         return exit_failure;
     }
+    if (const int refused = report_refused_outputs(
+            "convert", model_inputs(parsed.positional[0], model.data_file), {out}))
+        return refused;
     if (!may_write(out, ui)) {
         std::cerr << "trensil-cli convert: " << out << " exists; give --force to overwrite it\n";
         return exit_failure;

@@ -5,6 +5,7 @@
 #include "cli_command.h"
 #include "cli_model.h"
 #include "exports/dxf_export.h"
+#include "output_paths.h"
 #include "response/field_coefficients.h"
 #include "response/response_driver.h"
 #include "support/paths.h"
@@ -51,6 +52,9 @@ int run_export_dxf(const std::vector<std::string>& args) {
     std::string body_path = parsed.value("--3d");
     if (body_path.empty()) body_path = body_dxf_default_name(model);
     const bool write_bodies = model.num_bodies > 0;
+    if (const int refused = report_refused_outputs(
+            "export-dxf", model_inputs(model_path, model.data_file), {plan_path, body_path}))
+        return refused;
 
     std::vector<std::string> targets{plan_path};
     if (write_bodies) targets.push_back(body_path);

@@ -21,6 +21,7 @@
 #include "invert_progress.h"
 #include "io/model_file_writer.h"
 #include "io/profile_data_export.h"
+#include "output_paths.h"
 #include "response/channel_setup.h"
 #include "response/response_driver.h"
 #include "support/number_format.h"
@@ -217,6 +218,9 @@ int run_invert(const std::vector<std::string>& args) {
         model.profile.inversion_last_station = last;
     }
     // Refuse before the run rather than lose its result.
+    if (const int refused =
+            report_refused_outputs("invert", model_inputs(model_path, model.data_file), {out, csv}))
+        return refused;
     if (!may_write(out, ui) || (!csv.empty() && !may_write(csv, ui))) {
         std::cerr << "trensil-cli invert: " << (file_exists(out) ? out : csv)
                   << " exists; give --force to overwrite it\n";
@@ -226,6 +230,7 @@ int run_invert(const std::vector<std::string>& args) {
     response_state response;
     response.ui = &ui;
     response.inversion_fits_gradient = parsed.has("--gradient") ? 1 : 0;
+    const std::size_t messages_before = ui.messages.size();
     calculate_model_channels(model, response);
 
     console_view view(model, response);
@@ -252,6 +257,11 @@ int run_invert(const std::vector<std::string>& args) {
     if (view.text(inversion_control::Label_status, 0) != "Inversion succeeded") {
         ui.flush_messages(std::cerr, "trensil-cli invert: ");
         std::cerr << "trensil-cli invert: nothing was inverted; the model is not written\n";
+        return exit_failure;
+    }
+    if (report_engine_failures(ui, messages_before, std::cerr, "trensil-cli invert: ")) {
+        std::cerr << "trensil-cli invert: the response was not whole during the run; the model "
+                     "is not written\n";
         return exit_failure;
     }
     std::cout << "final misfit " << format_fixed(progress.last.misfit, 4) << " after "

@@ -10,6 +10,7 @@
 #include "io/load_line.h"
 #include "io/location_reader.h"
 #include "io/model_file_writer.h"
+#include "output_paths.h"
 #include "project/column_names.h"
 #include "support/paths.h"
 #include "support/text_tokens.h"
@@ -84,6 +85,8 @@ int run_new_line(const std::vector<std::string>& args) {
     }
     std::string out = parsed.value("-o");
     if (out.empty()) out = drop_extension(data) + ".qvx";
+    if (const int refused = report_refused_outputs("new-line", {{"the data file", data}}, {out}))
+        return refused;
 
     model_record model;
     reset_model(model);

@@ -11,6 +11,7 @@
 #include "cli_model.h"
 #include "io/project_file.h"
 #include "line_jobs.h"
+#include "output_paths.h"
 #include "project/line_files.h"
 #include "support/number_format.h"
 #include "support/paths.h"
@@ -100,6 +101,11 @@ int run_new(const std::vector<std::string>& args) {
         project.sample_grid[k] = grid.empty() ? 0 : 1;
     }
     project.sample_settings_present = true;
+    if (const int refused = report_refused_outputs(
+            "project",
+            grid_inputs(parsed.value("--mag"), parsed.value("--dtm"), parsed.value("--sensor")),
+            {path}))
+        return refused;
     console_platform ui(parsed.has("--force"));
     if (!may_write(path, ui)) return failure(path + " exists; give --force to overwrite it");
     if (!write_project_file(path, project, error)) return failure(error);
@@ -118,6 +124,8 @@ int run_add(const std::vector<std::string>& args) {
     if (!read_project_file(path, project, error)) return failure(error);
     error = check_input_file(model, "model file");
     if (!error.empty()) return failure(error);
+    if (const int refused = report_refused_outputs("project", {{"the model", model}}, {path}))
+        return refused;
     // The proposed number, or past the highest line when that is already taken (a project read
     // back proposes its first number again while a line holds it).
     int number = project.next_line_number;

@@ -8,6 +8,7 @@
 #include "cli_model.h"
 #include "field_option.h"
 #include "grid/gdal_grid.h"
+#include "output_paths.h"
 #include "project/digitising.h"
 #include "project/line_files.h"
 #include "support/paths.h"
@@ -65,6 +66,11 @@ int run_sample_grid(const std::vector<std::string>& args) {
     if (!sensor_is.empty() && sensor_is != "height" && sensor_is != "depth" &&
         sensor_is != "elevation")
         return usage_failure("--sensor-is takes height, depth or elevation");
+    if (const int refused = report_refused_outputs(
+            "sample-grid",
+            grid_inputs(parsed.value("--mag"), parsed.value("--dtm"), parsed.value("--sensor")),
+            {out, parsed.value("--model")}))
+        return refused;
 
     model_record scratch;  // the header of the line's model
     reset_model(scratch);

@@ -18,6 +18,7 @@
 #include <QStatusBar>
 #include <QTabWidget>
 #include <QVBoxLayout>
+#include <chrono>
 #include <utility>
 
 #include <cmath>
@@ -27,6 +28,7 @@
 #include "body_slider_frame.h"
 #include "exports/bitmap_file.h"
 #include "io/profile_data_export.h"
+#include "recovery_support.h"
 #include "support/number_format.h"
 #include "transform_dialog.h"
 #include "workspace/body_list.h"
@@ -80,6 +82,15 @@ modelling_window::modelling_window(platform& ui, settings_store& settings, bool 
     ws_.plan = plan_;
     resize(1280, 860);
     form_load(ws_);
+
+    if (recovery_session* session = recovery_session_in_use()) {
+        start_model_autosave(ws_, *session);
+        autosave_timer_.setObjectName("Timer_autosave");
+        autosave_timer_.setInterval(250);
+        connect(&autosave_timer_, &QTimer::timeout, this,
+                [this] { model_autosave_tick(ws_, std::chrono::steady_clock::now()); });
+        autosave_timer_.start();
+    }
 }
 
 modelling_window::~modelling_window() = default;
@@ -429,6 +440,8 @@ void modelling_window::save_screenshot() {
 void modelling_window::unload() {
     if (unloaded_) return;
     unloaded_ = true;
+    autosave_timer_.stop();
+    close_model_autosave(ws_);
     form_unload(ws_);
 }
 

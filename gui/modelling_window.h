@@ -96,6 +96,8 @@ private:
     int shown_tab_ = 0;
     std::array<QLabel*, 6> status_{};
     QTimer resize_timer_;
+    // Asks a few times a second whether the recovery copy is due (workspace/model_recovery.h).
+    QTimer autosave_timer_;
     bool unloaded_ = false;
 };
 

@@ -20,11 +20,13 @@
 #include <QTabWidget>
 #include <QTableWidget>
 #include <QVBoxLayout>
+#include <chrono>
 
 #include "control_access.h"
 #include "grid/gdal_grid.h"
 #include "program_modules.h"
 #include "project/project_transform.h"
+#include "recovery_support.h"
 #include "transform_dialog.h"
 
 namespace trensil {
@@ -97,6 +99,15 @@ project_window::project_window(platform& ui, settings_store& settings, QWidget* 
 
     resize(1400, 900);
     project_form_load(ws_);
+
+    if (recovery_session* session = recovery_session_in_use()) {
+        start_project_autosave(ws_, *session);
+        autosave_timer_.setObjectName("Timer_autosave");
+        autosave_timer_.setInterval(250);
+        connect(&autosave_timer_, &QTimer::timeout, this,
+                [this] { project_autosave_tick(ws_, std::chrono::steady_clock::now()); });
+        autosave_timer_.start();
+    }
 }
 
 project_window::~project_window() {
@@ -389,6 +400,8 @@ QImage project_window::capture() {
 void project_window::unload() {
     if (unloaded_) return;
     unloaded_ = true;
+    autosave_timer_.stop();
+    close_project_autosave(ws_);
     project_form_unload(ws_);
 }
 

@@ -13,6 +13,7 @@
 #include <QImage>
 #include <QMainWindow>
 #include <QPointer>
+#include <QTimer>
 #include <array>
 
 #include "graph_widget.h"
@@ -85,6 +86,8 @@ private:
     graph_widget* profile_ = nullptr;
     QLabel* coords_ = nullptr;
     QPointer<modelling_window> modeller_;
+    // Asks a few times a second whether the project's recovery copy is due.
+    QTimer autosave_timer_;
     bool unloaded_ = false;
 };
 

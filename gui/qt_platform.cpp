@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QStringList>
 #include <iostream>
 
@@ -51,6 +52,33 @@ bool qt_platform::ask_yes_no(const std::string& question, const std::string& tit
     }
     return QMessageBox::question(owner_, caption(title), q(question),
                                  QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+}
+
+int qt_platform::ask_choice(const std::string& question, const std::string& title,
+                            const std::vector<std::string>& buttons) {
+    const int last = static_cast<int>(buttons.size()) - 1;
+    if (console) {
+        std::cerr << question << " (answered " << (last >= 0 ? buttons.back() : "") << ")\n";
+        return last;
+    }
+    QMessageBox box(QMessageBox::Question, caption(title), q(question), QMessageBox::NoButton,
+                    owner_);
+    box.setObjectName("recovery_offer");
+    std::vector<QAbstractButton*> shown;
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        const auto role = i == 0                        ? QMessageBox::AcceptRole
+                          : static_cast<int>(i) == last ? QMessageBox::RejectRole
+                                                        : QMessageBox::DestructiveRole;
+        shown.push_back(box.addButton(q(buttons[i]), role));
+    }
+    if (!shown.empty()) {
+        box.setDefaultButton(qobject_cast<QPushButton*>(shown.front()));
+        box.setEscapeButton(shown.back());
+    }
+    box.exec();
+    for (std::size_t i = 0; i < shown.size(); ++i)
+        if (box.clickedButton() == shown[i]) return static_cast<int>(i);
+    return last;
 }
 
 std::optional<std::string> qt_platform::choose_open_file(const std::string& title,

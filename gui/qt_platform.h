@@ -21,6 +21,8 @@ public:
 
     void show_message(const std::string& text, const std::string& title = "") override;
     bool ask_yes_no(const std::string& question, const std::string& title = "") override;
+    int ask_choice(const std::string& question, const std::string& title,
+                   const std::vector<std::string>& buttons) override;
     std::optional<std::string> choose_open_file(const std::string& title, const std::string& filter,
                                                 const std::string& initial_path) override;
     std::optional<std::string> choose_save_file(const std::string& title, const std::string& filter,

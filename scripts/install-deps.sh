@@ -6,7 +6,7 @@ set -euo pipefail
 packages=(
     build-essential cmake make pkg-config
     libgtest-dev libgmock-dev libbenchmark-dev
-    clang-format
+    clang-format clang
     qt6-base-dev qt6-base-dev-tools libqt6svg6 libgl1-mesa-dev
     libgdal-dev gdal-bin
     libceres-dev libeigen3-dev

@@ -123,6 +123,14 @@ void run_inversion(inversion_context& ctx, bool whole_model, int mode, int max_i
     float F = least_squares
                   ? start_least_squares(ctx, problem)
                   : evaluate_misfit(ctx, p.mag_channels, p.grav_channels, s.current_residual);
+    // Data or a response beyond single precision make the misfit infinite (or not a number): no
+    // step could lower it, and a run would only pretend to fit.
+    if (!std::isfinite(F)) {
+        ctx.ui.show_message(
+            "The misfit cannot be computed: the observed or computed values are out of range");
+        status = 0;
+        return;
+    }
     // A joint fit measures its misfit on both data types: a best misfit of another measure
     // cannot be compared with it.
     const joint_measure measure{joint, joint ? s.least_squares.noise_mag : 0.0f,

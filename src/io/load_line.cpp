@@ -13,6 +13,9 @@ void load_model_data(model_record& model, std::int16_t& status, load_line_servic
     if (check_data_definition(model, services.transforms, services.ui) != 0) return;
     if (read_location_data(0, model, model.profile, services.transforms, services.ui) != 0) return;
     if (model.profile.num_stations < 1) return;
+    // A chosen column that never held a number (every line shorter than it) is reported here,
+    // before its -1e32 start value could stand for every reading.
+    if (check_location_ranges(model, model.profile, services.ui) != 0) return;
     if (read_location_data(1, model, model.profile, services.transforms, services.ui) != 0) return;
     if (setup_profile(model, services.ui) != 0) return;
     prepare_channels(model);

@@ -26,7 +26,9 @@ struct load_line_services {
 };
 
 // The data half of loading a line, for a model already read: checks its data definition, counts
-// and reads the data, sets up the profile and prepares the channels. `status` as for load_line.
+// the data, checks that every chosen column held a value ("No valid mag values were read" and
+// its like), reads the data, sets up the profile and prepares the channels. `status` as for
+// load_line.
 void load_model_data(model_record& model, std::int16_t& status, load_line_services& services);
 
 // Reads the model file (whole), checks its data definition, counts and reads the data, sets up

@@ -327,7 +327,9 @@ int read_location_data(int mode, const data_definition& definition, profile_bloc
         const int stored_capacity = mode == 1 ? block.location.col_hi() : 0;
 
         std::string line;
-        for (int i = 1; i < d.nhead; ++i) reader.read_line(line);
+        // A first data line past the end of the file leaves no station: stop at the end
+        // rather than pass over lines that are not there.
+        for (int i = 1; i < d.nhead && !reader.at_end(); ++i) reader.read_line(line);
 
         station_values v;
         int count = 0;

@@ -15,11 +15,12 @@
 namespace trensil {
 
 // Takes the next word and reads it by the prefix parse. Throw file_run_error "Overflow" when
-// the value does not fit the field.
+// the value does not fit the field or is not finite.
 double take_f64(std::string& line);
 float take_f32(std::string& line);
 std::int32_t take_i32(std::string& line);
 
+// Throws file_run_error "Overflow" on a value that is not finite: no file holds one.
 class print_list {
 public:
     print_list& add(std::int32_t value);

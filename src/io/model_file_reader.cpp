@@ -230,6 +230,8 @@ void read_body(model_line_source& lines, model_record& model, int index, std::in
             b.rem_q.value = 0.0f;
         else
             b.rem_q.value = b.rem_q.value / b.susc.value / model.mag_intensity;
+        // A tiny susceptibility can lift the ratio beyond single precision: no field holds that.
+        if (!std::isfinite(b.rem_q.value)) throw file_run_error("Overflow");
     }
 }
 
@@ -258,7 +260,9 @@ void read_bodies(model_line_source& lines, model_record& model, model_file_servi
         read_body(lines, model, i, version);
     }
     summary.format_version = version;
-    if (lines.reads_past_end() > missing_before) summary.truncated = true;
+    // Bodies missing their lines, or a count line or last body line cut short.
+    if (lines.reads_past_end() > missing_before || lines.ended_inside_last_line())
+        summary.truncated = true;
 }
 
 // Passes over lines up to the section head; on finding it reads the three lines after it.
@@ -290,7 +294,10 @@ void read_model_file(std::int16_t mode, model_record& model, const std::string& 
             read_layout_line(lines.next(), model);
             model.display_settings_present = 0;
             read_header(lines, model);
-            if (lines.reads_past_end() > 0) found.truncated = true;
+            // A file of the header alone (a new line's model) ends with line 11 and its line
+            // end; one cut before that, or inside line 11, is not whole.
+            if (lines.reads_past_end() > 0 || lines.ended_inside_last_line())
+                found.truncated = true;
         } else {
             for (int i = 2; i <= header_lines; ++i) lines.next();
         }

@@ -7,9 +7,11 @@
 //   read_model_file(-1, scratch, path, status, services);   // header and display settings only
 //   read_model_file(1, model, path, status, services);       // bodies only
 //
-// The reader checks nothing: a bad number reads 0, a file that ends early leaves the fields that
-// follow at 0. Only a failure to read the file at all (or a data file that the search gave up
-// on) ends it with "An error occurred while reading the location file : " and status -1.
+// The reader checks little: a bad number reads 0, a file that ends early leaves the fields that
+// follow at 0 and is marked truncated in the summary. A failure to read the file at all, a data
+// file that the search gave up on, or a number that does not fit its field (beyond its precision
+// or not finite: "Overflow") ends it with "An error occurred while reading the location file : "
+// and status -1.
 #pragma once
 
 #include <cstddef>
@@ -36,7 +38,8 @@ struct model_file_services {
 };
 
 // What the reader found out about the file besides the record: the format version it was read
-// as and whether the file ended inside the header or the body lines.
+// as and whether the file ended inside the header or the body lines (lines missing, or the last
+// of them cut short without its line end).
 struct model_read_summary {
     std::int32_t format_version = 0;
     bool truncated = false;

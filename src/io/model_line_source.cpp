@@ -39,6 +39,9 @@ void model_line_source::assign(const std::string& content) {
     position_ = 0;
     lines_read_ = 0;
     reads_past_end_ = 0;
+    // Every line the program writes ends with a line end: one missing at the end of the file
+    // means the file was cut inside its last line.
+    last_line_unended_ = !content.empty() && content.back() != '\n';
     std::size_t start = 0;
     while (start < content.size()) {
         std::size_t end = content.find('\n', start);
@@ -73,8 +76,7 @@ int to_i32(double value) {
 }
 
 float to_f32(double value) {
-    if (std::isnan(value)) return std::numeric_limits<float>::quiet_NaN();
-    if (std::fabs(value) > static_cast<double>(std::numeric_limits<float>::max()))
+    if (!(std::fabs(value) <= static_cast<double>(std::numeric_limits<float>::max())))
         throw file_run_error("Overflow");
     return static_cast<float>(value);
 }

@@ -38,12 +38,18 @@ public:
     std::size_t reads_past_end() const { return reads_past_end_; }
     std::size_t line_count() const { return lines_.size(); }
     std::size_t lines_left() const { return at_end() ? 0 : lines_.size() - position_; }
+    // Whether the last line of the file has been read and had no line end: the file was cut
+    // inside it, and its fields may be missing or cut short.
+    bool ended_inside_last_line() const {
+        return last_line_unended_ && !lines_.empty() && at_end();
+    }
 
 private:
     std::vector<std::string> lines_;
     std::size_t position_ = 0;
     std::size_t lines_read_ = 0;
     std::size_t reads_past_end_ = 0;
+    bool last_line_unended_ = false;
 };
 
 // A file's date and time stamp: seconds since 1970-01-01 UTC of its last change. Throws
@@ -54,7 +60,7 @@ double file_date_time(const std::string& path);
 // "Overflow" when it does not fit.
 int to_i32(double value);
 // Narrows a number read from a file to single precision. Throws file_run_error "Overflow" when
-// it is outside the single-precision range.
+// it is outside the single-precision range or not a number.
 float to_f32(double value);
 
 }  // namespace trensil

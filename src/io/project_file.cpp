@@ -40,9 +40,12 @@ bool read_project_lines(model_line_source& lines, project_definition& project) {
     project.first_line_number = to_i32(parse_number(first));
     if (project.first_line_number == 0) project.first_line_number = 10000;
     project.next_line_number = project.first_line_number;
-    std::string step = take_word(l2);
-    if (!is_numeric_text(step) || !(parse_number(step) > 0)) step = "10";
-    project.line_number_step = to_i32(parse_number(step));
+    // The step is a whole number: one between 0 and 1 would be kept as 0, written as 0 and read
+    // back as 10, so it is tested after rounding and the file reads back as it was written.
+    const std::string step = take_word(l2);
+    const double step_value = is_numeric_text(step) ? parse_number(step) : 0.0;
+    project.line_number_step = step_value > 0 ? to_i32(step_value) : 10;
+    if (project.line_number_step < 1) project.line_number_step = 10;
 
     for (std::string& grid : project.grid_files) grid = required_line(lines);
 

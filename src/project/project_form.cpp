@@ -4,6 +4,7 @@
 
 #include "project/line_files.h"
 #include "project/project_controls.h"
+#include "project/project_recovery.h"
 #include "project/project_workspace.h"
 #include "support/number_format.h"
 #include "support/paths.h"
@@ -104,6 +105,7 @@ int clear_modeller_project_parameters(project_workspace& ws) {
         display_qvx_list(ws);
         build_body_list(ws);
         display_QVX_line(ws);
+        project_work_saved(ws);
         return 0;
     } catch (const std::exception& e) {
         ws.ui.show_message(
@@ -130,10 +132,16 @@ int open_project_file(project_workspace& ws, const std::string& path) {
         ws.ui.show_message("That file does not exist");
         return -1;
     }
+    if (const auto copy = offer_project_recovery(ws, path)) return recover_project(ws, *copy);
+    return show_project_file(ws, path, path);
+}
+
+int show_project_file(project_workspace& ws, const std::string& read_path,
+                      const std::string& path) {
     try {
         project_definition read;
         std::int16_t status = 0;
-        read_project(path, read, status, ws.ui);
+        read_project(read_path, read, status, ws.ui);
         if (status != 0) {
             ws.ui.show_message("There was a problem reading that file");
             return -1;
@@ -141,7 +149,9 @@ int open_project_file(project_workspace& ws, const std::string& path) {
         ws.project = std::move(read);
         ws.project_file = path;
         ws.current_line = 0;
-        ws.view->set_caption("Trensil Project: " + file_name_part(path));
+        project_work_saved(ws);
+        ws.view->set_caption(path.empty() ? project_form_caption()
+                                          : "Trensil Project: " + file_name_part(path));
         show_sample_settings(ws);
         for (int tab = 0; tab < grid_tab_count; ++tab) {
             const std::string& name = ws.project.grid_files[static_cast<std::size_t>(tab)];
@@ -191,7 +201,9 @@ int file_save_project(project_workspace& ws) {
 int write_current_project(project_workspace& ws) {
     if (ws.project_file.empty()) return -1;
     take_sample_settings(ws);
-    return write_project(ws.project_file, ws.project, ws.ui) ? 0 : -1;
+    if (!write_project(ws.project_file, ws.project, ws.ui)) return -1;
+    project_work_saved(ws);
+    return 0;
 }
 
 }  // namespace trensil

@@ -28,6 +28,7 @@
 #include "io/project_file.h"
 #include "project/digitising.h"
 #include "project/grid_source.h"
+#include "project/project_recovery.h"
 #include "project/project_view.h"
 #include "support/bounded_array.h"
 #include "support/platform.h"
@@ -77,6 +78,9 @@ struct project_workspace {
     file_search_state search;
     transform_state transforms;
     bool updating_display = false;
+
+    // The recovery copy kept while the project differs from its file (project/project_recovery.h).
+    project_autosave autosave;
 };
 
 // Holds `updating_display` set for a scope, restoring the value it found.
@@ -117,6 +121,9 @@ int file_open_project(project_workspace& ws);
 // Reads a project file (the command line, a recent file) and loads its lines and grids; the
 // caption becomes "Trensil Project: " + its name. Returns 0, or -1 with the reason shown.
 int open_project_file(project_workspace& ws, const std::string& path);
+// Reads the project file at `read_path` (a recovery copy, or the file itself) and shows it as
+// the project of file `path` ("" for one never saved). Returns 0 or -1 (shown).
+int show_project_file(project_workspace& ws, const std::string& read_path, const std::string& path);
 // Save project as: asks for the file ("Select the trensil project file to create"), adds
 // ".qvj", asks before overwriting, writes. Returns 0, or -1 when cancelled or failed.
 int file_save_project(project_workspace& ws);

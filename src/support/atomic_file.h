@@ -1,6 +1,8 @@
-// Writes a file so that a crash or a full disk never leaves it half-written: the text goes to a
-// temporary file beside the target, which is renamed over the target only when all of it was
-// written. Until then, and if anything fails, the old file stays as it was.
+// Writes a file so that a crash, a power cut or a full disk never leaves it half-written: the
+// text goes to a temporary file of a short unique name in the target's folder, which is flushed
+// to the disk and renamed over the target only when all of it was written. Until then, and if
+// anything fails, the old file stays as it was. A replaced file keeps its permissions, and a
+// target that is a symbolic link is written through: the file it points at is replaced.
 //
 //   atomic_file out(path);
 //   if (!out.is_open()) ... out.error()
@@ -30,6 +32,7 @@ public:
 
 private:
     std::string target_;
+    std::string destination_;  // the target with its symbolic links followed
     std::string temporary_;
     std::ofstream out_;
     std::string error_;

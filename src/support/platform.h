@@ -31,6 +31,15 @@ public:
     virtual void show_message(const std::string& text, const std::string& title = "") = 0;
     // A Yes/No question; true for Yes.
     virtual bool ask_yes_no(const std::string& question, const std::string& title = "") = 0;
+    // A question with its own buttons, such as "Recover", "Discard", "Later"; the index of the
+    // button chosen. Where no one can answer, the last button, which must be the one that
+    // changes nothing.
+    virtual int ask_choice(const std::string& question, const std::string& title,
+                           const std::vector<std::string>& buttons) {
+        (void)question;
+        (void)title;
+        return static_cast<int>(buttons.size()) - 1;
+    }
     // File dialogs; no value when the user cancels. `filter` is "Label (*.ext)|..." style text.
     virtual std::optional<std::string> choose_open_file(const std::string& title,
                                                         const std::string& filter,

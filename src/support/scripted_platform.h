@@ -18,6 +18,8 @@ public:
     std::vector<std::string> messages;   // every message shown, in order
     std::vector<std::string> questions;  // every Yes/No question asked
     std::deque<bool> yes_answers;        // answers to the next questions; No when empty
+    std::vector<std::string> choices;    // every question with its own buttons
+    std::deque<int> choice_answers;      // buttons chosen; the last button when empty
     std::deque<std::optional<std::string>> file_answers;   // for both file dialogs
     std::deque<std::optional<std::string>> input_answers;  // for input boxes
     std::deque<std::optional<std::int32_t>> colour_answers;
@@ -35,6 +37,14 @@ public:
         if (yes_answers.empty()) return false;
         const bool answer = yes_answers.front();
         yes_answers.pop_front();
+        return answer;
+    }
+    int ask_choice(const std::string& question, const std::string&,
+                   const std::vector<std::string>& buttons) override {
+        choices.push_back(question);
+        if (choice_answers.empty()) return static_cast<int>(buttons.size()) - 1;
+        const int answer = choice_answers.front();
+        choice_answers.pop_front();
         return answer;
     }
     std::optional<std::string> choose_open_file(const std::string&, const std::string&,

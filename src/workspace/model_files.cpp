@@ -14,6 +14,7 @@
 #include "workspace/body_table.h"
 #include "workspace/graph_display.h"
 #include "workspace/model_edit.h"
+#include "workspace/model_recovery.h"
 #include "workspace/modelling_workspace.h"
 
 namespace trensil {
@@ -34,14 +35,11 @@ void mark_changed(modelling_workspace& ws) {
 
 // Reads the data file the model names and sets up its profile. Returns 0 or -1 (reported).
 int load_model_data(modelling_workspace& ws) {
-    model_record& model = ws.model;
-    model.profile.num_stations = 0;
-    if (check_data_definition(model, ws.transforms, ws.ui) != 0) return -1;
-    if (read_location_data(0, model, model.profile, ws.transforms, ws.ui) != 0) return -1;
-    if (model.profile.num_stations < 1) return -1;
-    if (read_location_data(1, model, model.profile, ws.transforms, ws.ui) != 0) return -1;
-    if (setup_profile(model, ws.ui) != 0) return -1;
-    prepare_channels(model);
+    ws.model.profile.num_stations = 0;
+    load_line_services services{ws.ui, ws.search, ws.transforms, &ws.settings};
+    std::int16_t status = -1;
+    trensil::load_model_data(ws.model, status, services);
+    if (status != 0) return -1;
     ws.graph_view.graph_ranges_valid = 0;
     return 0;
 }
@@ -141,15 +139,18 @@ int menu_open_model(modelling_workspace& ws, int item) {
     modelling_view& view = *ws.view;
     model_record& model = ws.model;
     if (item == 1) {
-        model.tab_width = view.form_width() / 3 + 300;
-        model.display_width = view.form_width();
-        model.display_axes = view.checked("menu_display_axes") ? 1 : 0;
-        model.maintain_aspect_ratio = view.checked("Check_maintain_aspect_ratio") ? 1 : 0;
-        model.show_body_label = view.checked("Check_show_body_label") ? 1 : 0;
+        take_display_settings(ws);
+        // The writer stamps the file's time only when the model file was written: a cancelled
+        // dialog and a failed write both leave this mark, and the recovery copy with it.
+        const double time_before = model.model_file_time;
+        model.model_file_time = -1.0;
         std::int16_t status = 0;
         save_model(0, model, status, ws.ui);
-        if (status != 0 || model.model_file.empty()) return -1;
+        const bool written = model.model_file_time != -1.0;
+        if (!written) model.model_file_time = time_before;
+        if (status != 0 || !written || model.model_file.empty()) return -1;
         view.set_caption("Trensil: " + file_name_part(model.model_file));
+        model_work_saved(ws);
         return 0;
     }
     if (item != 0 && item != 3) return -1;
@@ -164,6 +165,9 @@ int menu_open_model(modelling_workspace& ws, int item) {
         ws.ui.show_message("That file does not exist");
         set_current_directory(directory);
         return -1;
+    }
+    if (item == 0) {
+        if (const auto copy = offer_model_recovery(ws, *chosen)) return recover_model(ws, *copy);
     }
     model_file_services services{ws.ui, ws.search, &ws.settings};
     std::int16_t status = 0;
@@ -185,7 +189,22 @@ int menu_open_model(modelling_workspace& ws, int item) {
     return 0;
 }
 
+void take_display_settings(modelling_workspace& ws) {
+    const modelling_view& view = *ws.view;
+    model_record& model = ws.model;
+    model.tab_width = view.form_width() / 3 + 300;
+    model.display_width = view.form_width();
+    model.display_axes = view.checked("menu_display_axes") ? 1 : 0;
+    model.maintain_aspect_ratio = view.checked("Check_maintain_aspect_ratio") ? 1 : 0;
+    model.show_body_label = view.checked("Check_show_body_label") ? 1 : 0;
+}
+
 int load_and_display_QVX_model(modelling_workspace& ws, const std::string& path) {
+    if (const auto copy = offer_model_recovery(ws, path)) return recover_model(ws, *copy);
+    return show_model_file(ws, path);
+}
+
+int show_model_file(modelling_workspace& ws, const std::string& path) {
     ws.view->set_caption("Trensil: " + file_name_part(path));
     load_line_services services{ws.ui, ws.search, ws.transforms, &ws.settings};
     std::int16_t status = 0;
@@ -201,6 +220,7 @@ int load_and_display_QVX_model(modelling_workspace& ws, const std::string& path)
         if (tab_model_changing(ws, 0, 1)) ws.view->select_tab(1);
         ws.model_changed = false;
     }
+    model_work_saved(ws);
     return 0;
 }
 
@@ -209,7 +229,8 @@ int open_model_file(modelling_workspace& ws, const std::string& path) {
         ws.ui.show_message("That file does not exist");
         return -1;
     }
-    if (load_and_display_QVX_model(ws, path) != 0) return -1;
+    if (const auto copy = offer_model_recovery(ws, path)) return recover_model(ws, *copy);
+    if (show_model_file(ws, path) != 0) return -1;
     if (ws.model.num_bodies < 1 && tab_model_changing(ws, 0, 1)) ws.view->select_tab(1);
     ws.model_changed = false;
     return 0;

@@ -22,8 +22,10 @@
 #include "response/response_state.h"
 #include "support/platform.h"
 #include "support/settings_store.h"
+#include "workspace/autosave_schedule.h"
 #include "workspace/edit_history.h"
 #include "workspace/graph_view.h"
+#include "workspace/model_recovery.h"
 #include "workspace/modelling_view.h"
 #include "workspace/pointer_interaction.h"
 #include "workspace/section_view.h"
@@ -50,7 +52,8 @@ struct modelling_workspace {
     transform_state transforms;
 
     bool updating_display = false;
-    bool model_changed = false;
+    // Set by every edit, which it also counts (the recovery copy follows the count).
+    change_flag model_changed;
     bool form_ready = false;
     bool modeller_open = false;
     // The project form opened this window: it supplies the data definitions.
@@ -70,6 +73,9 @@ struct modelling_workspace {
     // The cell of Grid_body under edit (workspace/body_table.h).
     std::int32_t edit_row = 0;
     std::int32_t edit_column = 0;
+
+    // The recovery copy kept while the model has unsaved edits (workspace/model_recovery.h).
+    model_autosave autosave;
 };
 
 // Holds `updating_display` set for a scope, restoring the value it found.
@@ -105,8 +111,13 @@ void save_body_defaults(modelling_workspace& ws);
 // The items of menu_open_model: 0 reads data definitions and bodies, 1 saves, 3 reads the bodies
 // only. Returns 0 when done, -1 when cancelled or failed (reported).
 int menu_open_model(modelling_workspace& ws, int item);
-// Shows a project line: reads the model and its data and displays them. Returns 0 or -1.
+// Shows a project line: reads the model and its data and displays them. Returns 0 or -1. A
+// recovery copy of the file left by a run that ended uncleanly is offered first.
 int load_and_display_QVX_model(modelling_workspace& ws, const std::string& path);
+// The same without the offer.
+int show_model_file(modelling_workspace& ws, const std::string& path);
+// Takes the display settings that a model file keeps (widths, axes, labels, aspect) from the form.
+void take_display_settings(modelling_workspace& ws);
 // Opens a model given on the command line as the modelling window's own file: reads it with its
 // data and displays the model on the bodies tab. Returns 0 or -1 (reported).
 int open_model_file(modelling_workspace& ws, const std::string& path);

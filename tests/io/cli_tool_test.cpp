@@ -205,13 +205,28 @@ TEST_F(cli_tool, bad_model_files_fail_with_one_line) {
                                                    11) +
                                            model);
     write_text(dir.file("truncated.qvx"), data + "\r\n" + model.substr(model.find('\n') + 1, 200));
-    for (const char* name : {"missing.qvx", "empty.qvx", "binary.qvx", "truncated.qvx"}) {
+    // Cut inside the body-count line, and inside the last body line (a bodies' file ends there
+    // without its display settings): each read as a whole model before.
+    const std::string whole = data + "\r\n" + model.substr(model.find('\n') + 1);
+    write_text(dir.file("cut_in_count.qvx"), whole.substr(0, whole.find(" 3  7 ") + 1));
+    const std::size_t last_body_end = whole.find("\r\n", whole.rfind(" 1 -99999 -99999 \r\n"));
+    write_text(dir.file("cut_in_body.qvx"), whole.substr(0, last_body_end - 20));
+    // 1e999 is no number a field can hold (it was read as infinity and written as "inf").
+    std::string infinite = whole;
+    infinite.replace(infinite.find("\r\n 0  1  1 \r\n") + 2, 9, " 1e999  1  1 ");
+    write_text(dir.file("infinite.qvx"), infinite);
+    for (const char* name : {"missing.qvx", "empty.qvx", "binary.qvx", "truncated.qvx",
+                             "cut_in_count.qvx", "cut_in_body.qvx", "infinite.qvx"}) {
         SCOPED_TRACE(name);
         const cli_run r = run("compute " + q(dir.file(name)) + " -o " + q(dir.file("o.csv")));
         EXPECT_EQ(r.status, 1);
         EXPECT_EQ(r.error_lines(), 1) << r.err;
         EXPECT_NE(r.err.find(name), std::string::npos) << r.err;
         EXPECT_FALSE(file_exists(dir.file("o.csv")));
+        const cli_run converted =
+            run("convert " + q(dir.file(name)) + " -o " + q(dir.file("o.qvx")));
+        EXPECT_EQ(converted.status, 1);
+        EXPECT_FALSE(file_exists(dir.file("o.qvx")));
     }
 }
 
@@ -225,8 +240,10 @@ TEST_F(cli_tool, bad_data_files_fail_with_one_line_and_data_option_replaces_them
     write_text(dir.file("truncated.csv"), data.substr(0, 1000));
     write_text(dir.file("heading_only.csv"), data.substr(0, data.find('\n') + 1));
     write_text(dir.file("short.csv"), data.substr(0, data.find('\n', 20000) + 1));
-    for (const char* name :
-         {"gone.csv", "empty.csv", "binary.csv", "truncated.csv", "heading_only.csv"}) {
+    // Every line shorter than the magnetic column (12): -1e32 stood for every reading.
+    write_text(dir.file("narrow.csv"), "x y\r\n1 2\r\n3 4\r\n5 6\r\n");
+    for (const char* name : {"gone.csv", "empty.csv", "binary.csv", "truncated.csv",
+                             "heading_only.csv", "narrow.csv"}) {
         SCOPED_TRACE(name);
         write_text(dir.file("m.qvx"), dir.file(name) + body);
         const cli_run r = run("compute " + q(dir.file("m.qvx")) + " -o " + q(dir.file("o.csv")));
@@ -279,6 +296,122 @@ TEST_F(cli_tool, convert_writes_the_current_version_and_info_lists_bodies) {
         << r.out;
     EXPECT_NE(r.out.find("field           50000 nT, inclination -60, declination 5"),
               std::string::npos);
+}
+
+// compute's default output, MODEL.csv, is the model's own data file here: it is never replaced,
+// --force or not; nor is the model, by any name of it (a link, a hard link, "./").
+TEST_F(cli_tool, outputs_never_replace_the_model_or_its_data_file) {
+    const std::string data =
+        read_text(std::string(TRENSIL_SOURCE_DIR) + "/examples/tempest/line_225401.csv");
+    const std::string model = read_text(example_model);
+    write_text(dir.file("line.csv"), data);
+    write_text(dir.file("line.qvx"), "line.csv" + model.substr(model.find('\r')));
+    std::filesystem::create_symlink("line.qvx", dir.path() / "link.qvx");
+    std::filesystem::create_hard_link(dir.file("line.csv"), dir.file("hard.csv"));
+    const std::string m = q(dir.file("line.qvx"));
+    const std::string refused[] = {
+        "compute " + m,
+        "compute " + m + " --force",
+        "compute " + m + " --force -o " + q(dir.file("hard.csv")),
+        "convert " + m + " --force -o " + q(dir.file("link.qvx")),
+        "convert " + m + " --force -o " + q(dir.path().string() + "/./line.csv"),
+        "invert " + m + " --force -o " + q(dir.file("line.qvx")),
+        "invert " + m + " --force -o " + q(dir.file("fit.qvx")) + " --csv " +
+            q(dir.file("line.csv")),
+        "export-dxf " + m + " --force --plan " + q(dir.file("line.csv")),
+        "new-line " + q(dir.file("line.csv")) + " --force -o " + q(dir.file("hard.csv")),
+    };
+    for (const std::string& args : refused) {
+        SCOPED_TRACE(args);
+        const cli_run r = run(args);
+        EXPECT_EQ(r.status, 1);
+        EXPECT_EQ(r.error_lines(), 1) << r.err;
+        EXPECT_NE(r.err.find("will not write"), std::string::npos) << r.err;
+    }
+    EXPECT_EQ(read_text(dir.file("line.csv")), data);
+    EXPECT_EQ(read_text(dir.file("line.qvx")), "line.csv" + model.substr(model.find('\r')));
+    EXPECT_FALSE(file_exists(dir.file("fit.qvx")));
+}
+
+// Two outputs of one path were written one over the other without a word: bad usage now.
+TEST_F(cli_tool, two_outputs_of_one_path_are_bad_usage) {
+    write_synthetic_start(dir);
+    const std::string m = q(dir.file("start.qvx"));
+    const std::string x = q(dir.file("x.out"));
+    for (const std::string& args :
+         {"export-dxf " + m + " --plan " + x + " --3d " + x,
+          "invert " + m + " -o " + x + " --csv " + x,
+          "invert " + m + " -o " + x + " --csv " +
+              q(dir.path().string() + "/../" + dir.path().filename().string() + "/x.out")}) {
+        SCOPED_TRACE(args);
+        const cli_run r = run(args);
+        EXPECT_EQ(r.status, 2);
+        EXPECT_NE(r.err.find("two outputs name one file"), std::string::npos) << r.err;
+        EXPECT_FALSE(file_exists(dir.file("x.out")));
+    }
+}
+
+// A station exactly on the top corner of a dense sheet: the engine stops that body's gravity
+// there. compute and invert used to write their results and exit 0; the message now goes to
+// standard error, nothing is written and the status is 1.
+TEST_F(cli_tool, engine_failure_while_computing_fails_the_command) {
+    std::string rows = "x,y,z,ground,tmi,grav\n";
+    for (int i = 0; i <= 10; ++i) rows += std::to_string(i * 100) + ",0,0,-10,0,0\n";
+    write_text(dir.file("corner.csv"), rows);
+    const std::string free = " 1 -99999 -99999 ";
+    const std::string fixed = " 0 -99999 -99999 ";
+    write_text(dir.file("corner.qvx"),
+               "corner.csv\r\n 2 1 1 2 3 4 5 6 0 1\r\n 52000 -55 8\r\n 0 11 1 0 0 0\r\n"
+               " 0 0 0 0 0 0\r\n 0 1 1\r\n 0 0\r\n 0 0\r\n 1 1\r\n 1 1\r\n 0 1\r\n"
+               " 1 7 500 -1000 1000\r\n 2 0 1 255 0 Corner\r\n\r\n\r\n"
+               " 500 0 0 0" +
+                   free + fixed +
+                   " 100 100 0 0 12 1 0\r\n"
+                   " 0 90 100 200" +
+                   fixed + fixed + free + fixed +
+                   "\r\n"
+                   " 0" +
+                   fixed + "\r\n 0" + fixed + "\r\n 0" + fixed + " 0" + fixed +
+                   "\r\n"
+                   " 0 0 0 0" +
+                   fixed + fixed + fixed + fixed + " 1" + free + "\r\n");
+    const std::string m = q(dir.file("corner.qvx"));
+    for (const std::string& args : {"compute " + m + " -o " + q(dir.file("o.csv")),
+                                    "invert " + m + " --gravity -o " + q(dir.file("o.qvx"))}) {
+        SCOPED_TRACE(args);
+        const cli_run r = run(args);
+        EXPECT_EQ(r.status, 1);
+        EXPECT_NE(r.err.find("An error occurred while calculating the gravity response: "),
+                  std::string::npos)
+            << r.err;
+    }
+    EXPECT_FALSE(file_exists(dir.file("o.csv")));
+    EXPECT_FALSE(file_exists(dir.file("o.qvx")));
+}
+
+// Observed values near the single-precision limit make the misfit infinite: the run used to go
+// on and write a "fitted" model with status 0.
+TEST_F(cli_tool, invert_refuses_an_infinite_misfit) {
+    write_synthetic_start(dir);
+    std::string data = read_text(dir.file("synthetic_line.csv"));
+    std::string huge;
+    std::istringstream lines(data);
+    std::string line;
+    std::getline(lines, line);
+    huge = line + "\n";
+    while (std::getline(lines, line)) {
+        std::vector<std::string> f = csv_fields(line);
+        if (f.size() < 6) continue;
+        f[4] = "3.3e38";
+        std::string joined;
+        for (const std::string& v : f) joined += (joined.empty() ? "" : ",") + v;
+        huge += joined + "\n";
+    }
+    write_text(dir.file("synthetic_line.csv"), huge);
+    const cli_run r = run("invert " + q(dir.file("start.qvx")) + " -o " + q(dir.file("fit.qvx")));
+    EXPECT_EQ(r.status, 1);
+    EXPECT_NE(r.err.find("The misfit cannot be computed"), std::string::npos) << r.err;
+    EXPECT_FALSE(file_exists(dir.file("fit.qvx")));
 }
 
 }  // namespace

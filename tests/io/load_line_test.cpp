@@ -70,6 +70,17 @@ TEST_F(load_line_chain, stops_with_the_message_of_the_failing_step) {
     EXPECT_EQ(ui.messages.back(), "You must specify either a mag column or gravity column");
 }
 
+// Every data line shorter than the magnetic column: each station read -1e32 as its reading and
+// a compute reported a misfit of 1e32 as success. The empty column is reported and nothing read.
+TEST_F(load_line_chain, data_lines_shorter_than_the_magnetic_column_fail_with_no_valid_values) {
+    scratch_folder dir("short_lines");
+    write_text(dir.file("model_line.csv"), "East North\r\n10 20\r\n30 40\r\n50 60\r\n");
+    write_text(dir.file("m.qvx"), read_text(data_path("model_v7.qvx")));
+    load_line(dir.file("m.qvx"), model, "", status, services);
+    EXPECT_EQ(status, -1);
+    EXPECT_EQ(ui.messages, std::vector<std::string>{"No valid mag values were read"});
+}
+
 TEST_F(load_line_chain, data_without_stations_fails_quietly) {
     scratch_folder dir("no_stations");
     write_text(dir.file("model_line.csv"), "East North TMI\r\n");

@@ -217,6 +217,12 @@ TEST(location_failures, missing_file_short_header_and_overflow) {
                   "h1\r\nh2\r\n", [](model_record& m) { m.nhead = 5; }, ui)
                   .profile.num_stations,
               0);
+    // A first data line two thousand million lines on stops at the end of the file at once
+    // (passing over the lines that are not there took minutes).
+    EXPECT_EQ(read_text(
+                  "1 2 3\r\n4 5 6\r\n", [](model_record& m) { m.nhead = 2000000000; }, ui)
+                  .profile.num_stations,
+              0);
 
     // Found by the data fuzz target: an easting of 1e3091 read as infinity, and set-up then had
     // no finite distance. A number too large for its column is a reading error; channels are

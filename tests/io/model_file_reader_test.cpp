@@ -2,8 +2,11 @@
 // and in its three modes.
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include "core/model_record.h"
 #include "io/model_file_reader.h"
+#include "io/model_file_writer.h"
 #include "model_test_files.h"
 #include "support/memory_settings_store.h"
 #include "support/scripted_platform.h"
@@ -243,6 +246,65 @@ TEST_F(model_reader, truncated_header_leaves_zeros_and_is_reported_as_truncated)
     EXPECT_EQ(model.num_bodies, 0);
     EXPECT_EQ(model.display_settings_present, 0);
     EXPECT_FALSE(summary.truncated);
+}
+
+// A file cut right after its header text, inside its body-count line, or inside its last body
+// line: each read as a whole model before (no bodies, or the lost fields as 0). The header alone
+// with its line end is a new line's model, whole.
+TEST_F(model_reader, file_cut_inside_a_line_is_reported_as_truncated) {
+    scratch_folder dir("cut_lines");
+    const std::string path = dir.file("m.qvx");
+    const std::string head = data_path("model_line.csv") + "\r\n" + header_tail;
+    const std::string body =
+        " 1 0 1 255 0 Cut\r\n\r\n\r\n 5 0 0 1 \r\n 0 90 10 10 \r\n 1 0 0 0 0 0 \r\n 2 0 0 0 "
+        "\r\n 0 0 0 0 0 0 0 0 \r\n 1000 0 0 0 0 0 0 0 0 0 0 0 0 0 0 0 2.67 0 0 0\r\n";
+    const std::pair<std::string, bool> cases[] = {
+        {head, false},                            // the header alone: a new line
+        {head + "1 7 0 0 0\r\n" + body, false},   // whole
+        {head.substr(0, head.size() - 2), true},  // line 11 without its line end
+        {head.substr(0, head.size() - 1), true},  // cut between CR and LF
+        {head + "1", true},                       // inside the body-count line
+        {head + "0 7 0", true},                   // ... of no bodies
+        {head + "1 7 0 0 0\r\n" + body.substr(0, body.size() - 12), true},  // last body line
+    };
+    for (const auto& [text, truncated] : cases) {
+        SCOPED_TRACE(text.substr(head.size() > text.size() ? 0 : head.size()));
+        write_text(path, text);
+        read(0, path);
+        EXPECT_EQ(status, 0);
+        EXPECT_EQ(summary.truncated, truncated);
+    }
+}
+
+// 1e999 is no double: an east, north or transform value of it read as infinity, was written
+// as "inf" and read back as 0. Every field refuses it, and the writer writes none.
+TEST_F(model_reader, value_beyond_double_precision_fails_in_every_field) {
+    scratch_folder dir("infinite");
+    const std::string path = dir.file("m.qvx");
+    const std::string data = data_path("model_line.csv") + "\r\n";
+    const std::string body_lines = "1 7\r\n 1 0 1 255 0 B\r\n\r\n\r\n";
+    const std::string cases[] = {
+        data +
+            "2 1 1 2 0 0 3 0 0 1\r\n50000 -60 5\r\n0 11 1 0\r\n0 0 100 0 0 0\r\n"
+            "1e999 1 1\r\n0 0\r\n0 0\r\n1 1\r\n1 1\r\n0 1\r\n",  // rotation
+        data + header_tail + body_lines + " 5 1e999 0 1 \r\n",   // body east
+        data + header_tail + body_lines + " 5 0 -1e400 1 \r\n",  // body north
+    };
+    for (const std::string& text : cases) {
+        write_text(path, text);
+        ui.messages.clear();
+        read(0, path);
+        EXPECT_EQ(status, -1);
+        EXPECT_EQ(ui.messages, std::vector<std::string>{
+                                   "An error occurred while reading the location file : Overflow"});
+    }
+
+    model.transform.x_scale = std::numeric_limits<double>::infinity();
+    model.num_bodies = 0;
+    write_text(path, "old");
+    EXPECT_FALSE(write_model_core(false, path, model, ui));
+    EXPECT_EQ(ui.messages.back(), "An error occurred while saving the model parameters: Overflow");
+    EXPECT_EQ(model_testing::read_text(path), "old");
 }
 
 TEST_F(model_reader, missing_file_and_number_out_of_range_report_and_fail) {

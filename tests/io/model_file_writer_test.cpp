@@ -22,8 +22,8 @@
 namespace trensil {
 namespace {
 
-using model_testing::block_writes_to;
 using model_testing::data_path;
+using model_testing::failing_writes;
 using model_testing::read_text;
 using model_testing::scratch_folder;
 using model_testing::write_text;
@@ -237,13 +237,15 @@ TEST_F(model_writer, saving_copies_width_into_both_diameters_in_memory) {
 TEST_F(model_writer, failed_write_keeps_old_file_and_reports) {
     const std::string path = dir.file("kept.qvx");
     write_text(path, "old contents\r\n");
-    block_writes_to(path);
     model_record m = full_model();
-    EXPECT_FALSE(write_model_core(false, path, m, ui));
+    {
+        failing_writes full_disk;
+        EXPECT_FALSE(write_model_core(false, path, m, ui));
+    }
     EXPECT_EQ(read_text(path), "old contents\r\n");
     ASSERT_EQ(ui.messages.size(), 1u);
     EXPECT_EQ(ui.messages[0],
-              "An error occurred while saving the model parameters: Is a directory");
+              "An error occurred while saving the model parameters: File too large");
 }
 
 // Every number form the writer emits reads back to the value it stands for, and prints again to

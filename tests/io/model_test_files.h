@@ -2,7 +2,9 @@
 // hand-written model files of every format version in tests/io/data.
 #pragma once
 
-#include <unistd.h>
+#include <sys/resource.h>
+
+#include <csignal>
 
 #include <filesystem>
 #include <string>
@@ -25,9 +27,27 @@ inline void write_text(const std::string& path, const std::string& bytes) {
     testing::write_all(path, bytes);
 }
 
-// Makes writing `path` fail: the temporary file that a write goes through is taken by a folder.
-inline void block_writes_to(const std::string& path) {
-    std::filesystem::create_directories(path + ".tmp" + std::to_string(::getpid()));
-}
+// While it lives, every file this process writes fails at its first byte ("File too large"), as
+// on a full disk: the file size limit is 0 and the signal of passing it is ignored.
+class failing_writes {
+public:
+    failing_writes() {
+        ::getrlimit(RLIMIT_FSIZE, &saved_);
+        previous_ = std::signal(SIGXFSZ, SIG_IGN);
+        rlimit none = saved_;
+        none.rlim_cur = 0;
+        ::setrlimit(RLIMIT_FSIZE, &none);
+    }
+    ~failing_writes() {
+        ::setrlimit(RLIMIT_FSIZE, &saved_);
+        std::signal(SIGXFSZ, previous_);
+    }
+    failing_writes(const failing_writes&) = delete;
+    failing_writes& operator=(const failing_writes&) = delete;
+
+private:
+    rlimit saved_{};
+    void (*previous_)(int) = nullptr;
+};
 
 }  // namespace trensil::model_testing

@@ -11,7 +11,7 @@
 namespace trensil {
 namespace {
 
-using model_testing::block_writes_to;
+using model_testing::failing_writes;
 using model_testing::read_text;
 using model_testing::scratch_folder;
 using model_testing::write_text;
@@ -75,7 +75,12 @@ TEST_F(project_file, round_trip_keeps_every_field) {
 TEST_F(project_file, numbering_line_repairs_and_absent_sample_settings) {
     // Numbering line, first number, step, next number (none of the lines is numbered above 10000).
     const std::tuple<std::string, int, int, int> cases[] = {
-        {"0 0", 10000, 10, 10000}, {"-5 abc", 1000, 10, 1030}, {"x -3", 1000, 10, 1030}};
+        {"0 0", 10000, 10, 10000},
+        {"-5 abc", 1000, 10, 1030},
+        {"x -3", 1000, 10, 1030},
+        // A step between 0 and 1 is no whole step: 10, as it would read back after writing.
+        {"500 0.4", 500, 10, 1030},
+        {"0.3 2.6", 10000, 3, 10000}};
     for (const auto& [numbering, first, step, next] : cases) {
         SCOPED_TRACE(numbering);
         read_text_as_project("Trensil Project Version 1.0\r\n" + numbering + "\r\n" +
@@ -87,6 +92,13 @@ TEST_F(project_file, numbering_line_repairs_and_absent_sample_settings) {
         EXPECT_FALSE(project.sample_settings_present);
         EXPECT_EQ(project.grid_files[2], "");
         EXPECT_EQ(project.model_paths(2), "/lines/l1000.qvx");
+
+        // What was read is written and reads back the same.
+        ASSERT_TRUE(write_project(path, project, ui));
+        project_definition back;
+        read_project(path, back, status, ui);
+        EXPECT_EQ(back.first_line_number, first);
+        EXPECT_EQ(back.line_number_step, step);
     }
 }
 
@@ -112,11 +124,13 @@ TEST_F(project_file, format_failures_and_short_files_report_and_a_missing_file_d
 
 TEST_F(project_file, failed_write_keeps_old_file) {
     write_text(path, "old project");
-    block_writes_to(path);
-    EXPECT_FALSE(write_project(path, project, ui));
+    {
+        failing_writes full_disk;
+        EXPECT_FALSE(write_project(path, project, ui));
+    }
     EXPECT_EQ(read_text(path), "old project");
     ASSERT_EQ(ui.messages.size(), 1u);
-    EXPECT_EQ(ui.messages[0], "An error occurred while saving the file: Is a directory");
+    EXPECT_EQ(ui.messages[0], "An error occurred while saving the file: File too large");
 }
 
 }  // namespace

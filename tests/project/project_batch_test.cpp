@@ -117,6 +117,12 @@ TEST_F(batch_tool, sample_grid_writes_dummies_where_the_grid_has_no_value) {
         {"--mag l.csv --line 400000,1200000,410000,1200000 --interval 100 -o s.csv",
          "An error occured while loading the grid file: l.csv: "},
         {"--mag '" + survey_grid + "' --line 1,2,3 --interval 100 -o s.csv", "two or more points"},
+        // Outputs that are the grid, or one file twice.
+        {"--mag l.csv --line 400000,1200000,410000,1200000 --interval 100 -o l.csv --force",
+         "will not write l.csv: it is the magnetic grid"},
+        {"--mag '" + survey_grid +
+             "' --line 400000,1200000,410000,1200000 --interval 100 -o s.csv --model ./s.csv",
+         "two outputs name one file"},
     };
     for (const bad& b : rows) {
         r = run("sample-grid " + b.args);

@@ -2,7 +2,9 @@
 // file, the line list and its project file, and the refusals that leave the project untouched.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
+#include <memory>
 #include <optional>
 
 #include "fake_project_view.h"
@@ -15,6 +17,7 @@
 #include "test_grids.h"
 #include "workspace/modelling_workspace.h"
 #include "workspace/recording_graph_control.h"
+#include "workspace/recovery_copy.h"
 
 namespace trensil {
 namespace {
@@ -239,10 +242,8 @@ TEST_F(project_form, data_file_line_through_the_column_preview) {
 }
 
 // A column that never holds a number (every data line is shorter than the magnetic column) is
-// reported by the loading and no line is made from it. The report comes from the range check of
-// the shared line loading (load_model_data), which is being added beside this work: the test
-// runs once that check is in.
-TEST_F(project_form, DISABLED_data_file_whose_chosen_column_holds_nothing) {
+// reported by the loading and no line is made from it.
+TEST_F(project_form, data_file_whose_chosen_column_holds_nothing) {
     save_project();
     testing::write_all(dir.file("short.csv"), "East,North,Mag\n1,2\n3,4\n5,6\n");
     ui.file_answers.push_back(dir.file("short.csv"));
@@ -347,6 +348,70 @@ TEST_F(project_form, project_files_that_cannot_be_read) {
                                         "There was a problem reading that file"}));
     EXPECT_EQ(grid_file_changed(ws, 1, dir.file("bad.qvj")), -1);
     EXPECT_EQ(ui.last_message(), "An error occured while loading the grid file: not a grid");
+}
+
+}  // namespace
+}  // namespace trensil
+
+namespace trensil {
+namespace {
+
+// A project never saved is kept as a recovery copy once it has a line, comes back after the run
+// dies, and leaves no copy once it is saved.
+TEST_F(project_form, an_unsaved_project_is_kept_and_recovered_after_a_crash) {
+    using namespace std::chrono_literals;
+    auto session = std::make_unique<recovery_session>(dir.file("state"));
+    start_project_autosave(ws, *session);
+    const auto t = std::chrono::steady_clock::now();
+    // The timer sees a change at `at`, takes the copy after the pause, and hears how it went.
+    auto tick = [](project_workspace& w, std::chrono::steady_clock::time_point at) {
+        for (auto when : {at, at + 2s, at + 2s}) {
+            project_autosave_tick(w, when);
+            w.autosave.slot.finish();
+        }
+    };
+    tick(ws, t);
+    const std::string copy = ws.autosave.slot.copy_path();
+    EXPECT_FALSE(std::filesystem::exists(copy));  // an empty project holds nothing to lose
+
+    const std::string model =
+        std::string(TRENSIL_SOURCE_DIR) + "/examples/tempest/tempest_line_225401.qvx";
+    ui.file_answers.push_back(model);
+    ui.input_answers.push_back("225401");
+    ASSERT_EQ(command_add_line_model(ws), 0);
+    tick(ws, t + 10s);
+    ASSERT_TRUE(std::filesystem::exists(copy));
+
+    session.reset();  // the run ends without the window closing
+    session = std::make_unique<recovery_session>(dir.file("state"));
+    titled_platform ui2;
+    fake_project_view view2;
+    recording_graph_control graph2;
+    project_workspace again{ui2, settings, open_test_grid};
+    again.view = &view2;
+    again.profile_graph = &graph2;
+    project_form_load(again);
+    start_project_autosave(again, *session);
+    const auto offered = copies_to_offer_at_start(*session);
+    ASSERT_EQ(offered.size(), 1u);
+    EXPECT_EQ(offered[0].info.kind, recovery_kind::project);
+    EXPECT_NE(recovery_offer_text(offered[0]).find("a new project that was never saved"),
+              std::string::npos);
+    ASSERT_EQ(recover_project(again, offered[0]), 0);
+    ASSERT_EQ(again.project.num_lines, 1);
+    EXPECT_EQ(again.project.model_paths(1), model);
+    EXPECT_EQ(again.project.line_numbers(1), 225401);
+    EXPECT_TRUE(again.project_file.empty());
+
+    tick(again, t + 20s);  // its own copy replaces the old one
+    EXPECT_FALSE(std::filesystem::exists(copy));
+    EXPECT_TRUE(std::filesystem::exists(again.autosave.slot.copy_path()));
+    ui2.file_answers.push_back(dir.file("area"));
+    ASSERT_EQ(file_save_project(again), 0);
+    again.autosave.slot.finish();
+    EXPECT_FALSE(std::filesystem::exists(again.autosave.slot.copy_path()));
+    tick(again, t + 30s);
+    EXPECT_FALSE(std::filesystem::exists(again.autosave.slot.copy_path()));
 }
 
 }  // namespace

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <vector>
 
 #include "response_test_model.h"
 
@@ -75,6 +77,54 @@ TEST(channel_filter, half_width_beyond_count_clamps_to_the_ends) {
         for (int i = 1; i <= 3; ++i) EXPECT_TRUE(std::isfinite(ch(row, i)));
     // Zero stations: nothing at all.
     apply_channel_filter(triangular_smoothing, 5, 1, 0, ch, 1, 2, w);
+}
+
+// The filter of half-width N summed term by term in double precision, as the weights are
+// defined: the reference for a half-width far beyond the profile.
+double reference_filter(int mode, long N, int step, int count, const std::vector<double>& in,
+                        int i) {
+    auto at = [&](long j) {
+        return in[static_cast<std::size_t>(std::clamp(j, 1L, long{count}) - 1)];
+    };
+    double w0 = 0.0, acc = 0.0, vg_sum = 0.0;
+    if (mode == triangular_smoothing) w0 = 1.0 / (N + 1.0);
+    for (long k = 1; k <= N; ++k) {
+        double w = 0.0;
+        if (mode == triangular_smoothing) w = w0 * double(N + 1 - k) / (N + 1.0);
+        if (mode == vertical_gradient_filter && k % 2 == 1) w = (-2.0 / kPi) / (double(k) * k);
+        vg_sum += w;
+        acc += (at(i - step * k) + at(i + step * k)) * w;
+    }
+    if (mode == vertical_gradient_filter) w0 = -2.0 * vg_sum;
+    acc += w0 * in[static_cast<std::size_t>(i - 1)];
+    return mode > 1 ? acc : in[static_cast<std::size_t>(i - 1)] - acc;
+}
+
+// A residual or VG half-width of a million on a short profile: the result is that of every
+// term summed, and a half-width of two thousand million (which would take minutes) is as quick.
+TEST(channel_filter, huge_half_width_gives_the_full_result_in_bounded_time) {
+    const int n = 12;
+    array2<float> ch(1, 10, 1, n);
+    std::vector<double> in;
+    for (int i = 1; i <= n; ++i) {
+        ch(1, i) = static_cast<float>(100.0 + 10.0 * std::sin(i) + 0.5 * i);
+        in.push_back(ch(1, i));
+    }
+    array1<float> w;
+    for (int mode : {triangular_smoothing, vertical_gradient_filter}) {
+        for (int step : {1, 3}) {
+            apply_channel_filter(mode, 1000000, step, n, ch, 1, 2, w);
+            for (int i = 1; i <= n; ++i)
+                EXPECT_NEAR(ch(2, i), reference_filter(mode, 1000000, step, n, in, i), 2e-3)
+                    << "mode " << mode << " step " << step << " station " << i;
+        }
+        apply_channel_filter(mode, 2000000000, 1, n, ch, 1, 3, w);
+        EXPECT_LE(w.hi(), 2 * n + 1);  // the weights no longer grow with the half-width
+        for (int i = 1; i <= n; ++i) EXPECT_TRUE(std::isfinite(ch(3, i))) << i;
+    }
+    // The smoothing of a huge half-width tends to the mean of the end stations.
+    apply_channel_filter(triangular_smoothing, 2000000000, 1, n, ch, 1, 3, w);
+    EXPECT_NEAR(ch(3, 5), ch(1, 5) - (ch(1, 1) + ch(1, n)) / 2.0, 1e-3);
 }
 
 model_record levelled_model() {
