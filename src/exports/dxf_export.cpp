@@ -1,9 +1,12 @@
 #include "exports/dxf_export.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
+#include "response/exact_solid_bodies.h"
 #include "response/solid_tessellation.h"
 #include "support/atomic_file.h"
 #include "support/number_format.h"
@@ -95,8 +98,9 @@ void write_sheet_faces(std::ostream& out, const body_record& body) {
     }
 }
 
-// A cylinder as the triangles of its placed mesh; the third corner is repeated as the fourth.
-void write_solid_faces(std::ostream& out, const body_record& body) {
+// A cylinder as the triangles of its mesh, its corners placed as the model's field geometry
+// computes it; the third corner is repeated as the fourth.
+void write_solid_faces(std::ostream& out, const model_record& model, const body_record& body) {
     static constexpr std::array<std::array<const char*, 3>, 4> codes{{
         {" 10", " 20", " 30"},
         {" 11", " 21", " 31"},
@@ -104,19 +108,22 @@ void write_solid_faces(std::ostream& out, const body_record& body) {
         {" 13", " 23", " 33"},
     }};
     const solid_cache& solid = body.solid;
+    const std::vector<space_vector> exact_corners =
+        model.exact_field_geometry ? exact_pipe_vertices(body) : std::vector<space_vector>{};
+    const auto corner = [&](int v, int axis) -> double {
+        if (model.exact_field_geometry)
+            return exact_corners[static_cast<std::size_t>(v - 1)]
+                                [static_cast<std::size_t>(axis - 1)];
+        return solid.placed_vertices(axis, v);
+    };
     for (int t = 1; t <= solid.num_triangles; ++t) {
         write_face_head(out, body);
-        for (int k = 0; k < 3; ++k) {
-            const int v = solid.triangles(k + 1, t);
+        for (int k = 0; k <= 3; ++k) {
+            const int v = solid.triangles(std::min(k, 2) + 1, t);
             for (int axis = 1; axis <= 3; ++axis) {
                 group(out, codes[static_cast<std::size_t>(k)][static_cast<std::size_t>(axis - 1)],
-                      format_fixed(solid.placed_vertices(axis, v), 2));
+                      format_fixed(corner(v, axis), 2));
             }
-        }
-        const int v = solid.triangles(3, t);
-        for (int axis = 1; axis <= 3; ++axis) {
-            group(out, codes[3][static_cast<std::size_t>(axis - 1)],
-                  format_fixed(solid.placed_vertices(axis, v), 2));
         }
     }
 }
@@ -235,7 +242,7 @@ void write_body_dxf(std::ostream& out, model_record& model, response_state& stat
         int failed = 0;
         build_body_solid(failed, model, state, b);
         if (failed != 0) continue;
-        write_solid_faces(out, model.body(b));
+        write_solid_faces(out, model, model.body(b));
     }
     write_tail(out);
 }

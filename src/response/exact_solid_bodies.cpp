@@ -1,5 +1,6 @@
 #include "response/exact_solid_bodies.h"
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -49,24 +50,10 @@ void add_prism(const prism_corners& c, const space_vector& origin, polyhedron_bo
         out.faces.push_back({face[0] - 1, face[1] - 1, face[2] - 1, face[3] - 1});
 }
 
-// The pipe's mesh posed for the exact geometry: its axis tilted down along +strike by dip plus
-// plunge about the start of the axis, turned to the strike, the start placed so that the middle
-// of the axis lies `offset` along +strike from the reference point, at elevation `top`.
 void add_pipe(const body_record& body, const space_vector& origin, polyhedron_body& out) {
+    for (const space_vector& c : exact_pipe_vertices(body))
+        out.corners.push_back({c[0] - origin[0], c[1] - origin[1], c[2] - origin[2]});
     const solid_cache& s = body.solid;
-    const double tilt = (body.dip.value + body.plunge.value) * degrees_to_radians;
-    const double st = std::sin(tilt), ct = std::cos(tilt);
-    const double ss = body.sin_strike, cs = body.cos_strike;
-    const double along = body.offset.value - body.length.value / 2.0;
-    const space_vector start{body.east + along * ss, body.north + along * cs, body.top.value};
-    for (int k = 1; k <= s.num_vertices; ++k) {
-        const double c1 = s.vertices(1, k);
-        const double c2 = ct * s.vertices(2, k) + st * s.vertices(3, k);
-        const double c3 = -st * s.vertices(2, k) + ct * s.vertices(3, k);
-        out.corners.push_back({cs * c1 + ss * c2 + start[0] - origin[0],
-                               -ss * c1 + cs * c2 + start[1] - origin[1],
-                               c3 + start[2] - origin[2]});
-    }
     for (int t = 1; t <= s.num_triangles; ++t)
         out.faces.push_back({s.triangles(1, t) - 1, s.triangles(2, t) - 1, s.triangles(3, t) - 1});
 }
@@ -90,6 +77,25 @@ space_vector demagnetised(const polyhedron_body& body, const space_vector& m, do
 }
 
 }  // namespace
+
+std::vector<space_vector> exact_pipe_vertices(const body_record& body) {
+    const solid_cache& s = body.solid;
+    const double tilt = (body.dip.value + body.plunge.value) * degrees_to_radians;
+    const double st = std::sin(tilt), ct = std::cos(tilt);
+    const double ss = body.sin_strike, cs = body.cos_strike;
+    const double along = body.offset.value - body.length.value / 2.0;
+    const space_vector start{body.east + along * ss, body.north + along * cs, body.top.value};
+    std::vector<space_vector> corners;
+    corners.reserve(static_cast<std::size_t>(std::max(s.num_vertices, 0)));
+    for (int k = 1; k <= s.num_vertices; ++k) {
+        const double c1 = s.vertices(1, k);
+        const double c2 = ct * s.vertices(2, k) + st * s.vertices(3, k);
+        const double c3 = -st * s.vertices(2, k) + ct * s.vertices(3, k);
+        corners.push_back(
+            {cs * c1 + ss * c2 + start[0], -ss * c1 + cs * c2 + start[1], c3 + start[2]});
+    }
+    return corners;
+}
 
 std::string exact_solid_response(model_record& model, response_state& state, int body_index,
                                  const solid_request& request) {

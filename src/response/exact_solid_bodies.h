@@ -8,6 +8,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "core/model_record.h"
 #include "response/facet_limit_terms.h"
@@ -21,6 +22,12 @@ struct solid_request {
     bool magnetic = false;         // rows 1, 3, 4, 5
     bool gravity = false;          // row 2, mGal
 };
+
+// The corners of a pipe's built mesh (body.solid) as the exact geometry poses them, in east,
+// north and elevation: the axis tilted down along +strike by dip plus plunge about its start,
+// turned to the strike, the start placed so that the middle of the axis lies `offset` along
+// +strike from the reference point, at elevation `top`.
+std::vector<space_vector> exact_pipe_vertices(const body_record& body);
 
 // Adds the body's response to its rows; the body is located and its angles stored.
 std::string exact_solid_response(model_record& model, response_state& state, int body_index,

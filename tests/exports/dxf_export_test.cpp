@@ -205,6 +205,36 @@ TEST(body_dxf, writes_each_cylinder_triangle_with_three_character_codes_to_two_d
     }
 }
 
+// In the exact geometry the plunge tilts the pipe's axis, and the 3-D file draws the pipe so: a
+// horizontal pipe striking north, plunged 30 degrees, spans its length's projections plus its
+// diameter's; in the format's pose the same body lies level.
+TEST(body_dxf, draws_a_pipe_in_the_pose_of_the_model_field_geometry) {
+    const auto extent = [](bool exact, int axis) {
+        model_record model = model_with_stations({{0.0, 0.0}, {100.0, 0.0}});
+        model.exact_field_geometry = exact;
+        body_record& pipe = add_body(model, 16, "Pipe", 50.0, 0.0, 0.0f, 0.0f);
+        pipe.width.value = 20.0f;
+        pipe.length.value = 400.0f;
+        pipe.plunge.value = 30.0f;
+        pipe.top.value = -100.0f;
+        scratch_dir dir("body_plunged_pipe");
+        response_state state;
+        std::string error;
+        EXPECT_EQ(write_body_dxf(model, state, dir.file("c.dxf"), error), 0);
+        double lo = 1e30, hi = -1e30;
+        for (const auto& f : read_dxf(dir.file("c.dxf")).of_kind("3DFACE"))
+            for (std::size_t k = static_cast<std::size_t>(axis); k < f.numbers.size(); k += 3) {
+                lo = std::min(lo, f.numbers[k]);
+                hi = std::max(hi, f.numbers[k]);
+            }
+        return hi - lo;
+    };
+    const double s = std::sin(30.0 * 0.017453292), c = std::cos(30.0 * 0.017453292);
+    EXPECT_NEAR(extent(true, 2), 400.0 * s + 20.0 * c, 0.5);  // elevation
+    EXPECT_NEAR(extent(true, 1), 400.0 * c + 20.0 * s, 0.5);  // north
+    EXPECT_LT(extent(false, 2), 21.0);
+}
+
 // The menu command asks for the plan file (".dxf" added), then the 3-D file, and reports each;
 // a cancelled plan does not stop the 3-D file; without bodies no 3-D file is asked for.
 TEST(dxf_commands, write_plan_then_3d_and_report_each) {
