@@ -38,11 +38,23 @@ struct strike_span {
     float s2 = 0.0f;
 };
 
-// offset -/+ length / 2, held to the model's left and right clips in the plan view.
+// offset -/+ length / 2 (a pipe in the exact geometry: its tilted axis's footprint), held to
+// the model's left and right clips in the plan view.
 strike_span limited_span(const model_record& model, const body_record& b, outline_rules rules) {
     strike_span span;
     span.s1 = b.offset.value - b.length.value / 2.0f;
     span.s2 = b.length.value / 2.0f + b.offset.value;
+    if (b.type == 16 && model.exact_field_geometry) {
+        // The exact geometry tilts the pipe's axis down along +strike by dip plus plunge from the
+        // start of the axis: the footprint runs over the axis's horizontal reach and the
+        // diameter's along-strike part at either end.
+        const double tilt = (b.dip.value + b.plunge.value) * degrees_to_radians;
+        const double reach = b.length.value * std::cos(tilt);
+        const double end_cap = b.width.value / 2.0 * std::fabs(std::sin(tilt));
+        const double start = span.s1;
+        span.s1 = static_cast<float>(start + std::min(reach, 0.0) - end_cap);
+        span.s2 = static_cast<float>(start + std::max(reach, 0.0) + end_cap);
+    }
     if (rules == outline_rules::plan_view) {
         if (model.finite_body_left_clip > 0.0f && span.s1 < -model.finite_body_left_clip) {
             span.s1 = -model.finite_body_left_clip;

@@ -94,6 +94,26 @@ TEST(plan_outline, footprints_of_sheets_and_cylinders) {
     }
 }
 
+// In the exact geometry a pipe's footprint follows its tilted axis: level, the whole length from
+// the start of the axis; standing upright, the diameter about the start.
+TEST(plan_outline, of_a_pipe_in_the_exact_geometry_follows_its_tilted_axis) {
+    for (const auto& [dip, plunge, s1, s2] :
+         {std::array<float, 4>{0, 0, -50, 50}, std::array<float, 4>{0, 90, -60, -40},
+          std::array<float, 4>{60, -30, -55, 41.6025f}}) {
+        SCOPED_TRACE(::testing::Message() << "dip " << dip << " plunge " << plunge);
+        model_record model = model_with_stations({{0.0, 0.0}, {1000.0, 0.0}});
+        model.exact_field_geometry = true;
+        body_record& b = add_body(model, 16, "pipe", 500.0, 0.0, 0.0f, dip);
+        b.plunge.value = plunge;
+        b.width.value = 20.0f;
+        b.length.value = 100.0f;
+        std::array<float, 5> x{}, y{};
+        ASSERT_EQ(body_plan_outline(model, view, 1, x, y), 5);
+        EXPECT_NEAR(y[0], s1, 1e-3);  // strike north: along strike is north
+        EXPECT_NEAR(y[1], s2, 1e-3);
+    }
+}
+
 TEST(plan_outline, a_line_missing_the_view_and_bodies_without_a_footprint_give_none) {
     model_record model = model_with_stations({{0.0, 0.0}, {1000.0, 0.0}});
     add_body(model, 1, "far", 500.0, 2000.0, 90.0f, 90.0f);
