@@ -14,6 +14,13 @@ void reset_transform(data_transform& t) {
     t = data_transform{};
 }
 
+bool take_defined_transform(const transform_state& state, data_transform& target) {
+    if (state.define_cancelled) return false;
+    target = state.program_transform;
+    prepare_transform(target);
+    return true;
+}
+
 void prepare_transform(data_transform& t) {
     t.active = 0;
     t.cos_rotation = std::cos(t.rotation * degrees_to_radians);

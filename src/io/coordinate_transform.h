@@ -19,6 +19,10 @@ struct transform_state {
     bool define_cancelled = true;
 };
 
+// The transform dialog's result: when it was accepted, `target` takes the edited transform,
+// prepared, and true comes back; a cancelled dialog leaves `target` as it was.
+bool take_defined_transform(const transform_state& state, data_transform& target);
+
 // Every field back to its default: the identity, inactive.
 void reset_transform(data_transform& t);
 

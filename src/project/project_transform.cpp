@@ -7,9 +7,7 @@ void begin_define_transform(project_workspace& ws) {
 }
 
 bool end_define_transform(project_workspace& ws) {
-    if (ws.transforms.define_cancelled) return false;
-    ws.scratch.transform = ws.transforms.program_transform;
-    prepare_transform(ws.scratch.transform);
+    if (!take_defined_transform(ws.transforms, ws.scratch.transform)) return false;
     // The stations were read through the old transform.
     ws.locations_loaded = false;
     ws.scratch.profile.num_stations = 0;

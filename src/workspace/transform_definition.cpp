@@ -7,9 +7,7 @@ void begin_define_transform(modelling_workspace& ws) {
 }
 
 bool end_define_transform(modelling_workspace& ws) {
-    if (ws.transforms.define_cancelled) return false;
-    ws.model.transform = ws.transforms.program_transform;
-    prepare_transform(ws.model.transform);
+    if (!take_defined_transform(ws.transforms, ws.model.transform)) return false;
     // The stations were read through the old transform.
     ws.model.profile.num_stations = 0;
     ws.model.profile_ready = 0;
