@@ -50,16 +50,11 @@ void project_work_saved(project_workspace& ws) {
 }
 
 void close_project_autosave(project_workspace& ws) {
-    ws.autosave.slot.discard();
-    ws.autosave.slot.finish();
+    ws.autosave.slot.close();
 }
 
 std::optional<found_copy> offer_project_recovery(project_workspace& ws, const std::string& path) {
-    recovery_session* session = ws.autosave.slot.session();
-    if (!session) return std::nullopt;
-    for (const found_copy& copy : copies_to_offer(*session, recovery_kind::project, path))
-        if (offer_recovery(ws.ui, *session, copy) == recovery_choice::recover) return copy;
-    return std::nullopt;
+    return ws.autosave.slot.offer_copy(ws.ui, path);
 }
 
 int recover_project(project_workspace& ws, const found_copy& copy) {

@@ -55,4 +55,11 @@ void autosave_slot::finish() {
     if (writer_) writer_->wait_idle();
 }
 
+std::optional<found_copy> autosave_slot::offer_copy(platform& ui, const std::string& path) const {
+    if (!session_) return std::nullopt;
+    for (const found_copy& copy : copies_to_offer(*session_, kind_, path))
+        if (offer_recovery(ui, *session_, copy) == recovery_choice::recover) return copy;
+    return std::nullopt;
+}
+
 }  // namespace trensil

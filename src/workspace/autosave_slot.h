@@ -13,6 +13,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "workspace/autosave_schedule.h"
@@ -50,6 +51,14 @@ public:
     void discard();
     // Waits for the writer to finish what it was given (closing, tests, benchmarks).
     void finish();
+    // The window closes cleanly: the copy goes and the writer finishes.
+    void close() {
+        discard();
+        finish();
+    }
+    // Offers each copy of this slot's kind left for `path` by an ended run (Recover, Discard,
+    // Later) and gives the first one the user recovers; none without a session.
+    std::optional<found_copy> offer_copy(platform& ui, const std::string& path) const;
     // The reason the last copy could not be written; "" after a good write.
     const std::string& last_error() const { return last_error_; }
 

@@ -97,16 +97,11 @@ void model_work_saved(modelling_workspace& ws) {
 }
 
 void close_model_autosave(modelling_workspace& ws) {
-    ws.autosave.slot.discard();
-    ws.autosave.slot.finish();
+    ws.autosave.slot.close();
 }
 
 std::optional<found_copy> offer_model_recovery(modelling_workspace& ws, const std::string& path) {
-    recovery_session* session = ws.autosave.slot.session();
-    if (!session) return std::nullopt;
-    for (const found_copy& copy : copies_to_offer(*session, recovery_kind::model, path))
-        if (offer_recovery(ws.ui, *session, copy) == recovery_choice::recover) return copy;
-    return std::nullopt;
+    return ws.autosave.slot.offer_copy(ws.ui, path);
 }
 
 int recover_model(modelling_workspace& ws, const found_copy& copy) {

@@ -165,22 +165,6 @@ TEST(new_body_defaults, settings_that_are_not_numbers_are_ignored) {
     EXPECT_EQ(b.density.value, 2.67f);
 }
 
-TEST(body_catalogue, names_the_codes_and_nothing_else) {
-    for (auto [code, name] : {std::pair{1, "Thin Sheet"},
-                              {2, "Thick Sheet"},
-                              {3, "Edge"},
-                              {4, "Sloping step"},
-                              {5, "Polygon"},
-                              {6, "Sphere"},
-                              {16, "Cylinder/pipe"},
-                              {-1, ""},
-                              {0, ""},
-                              {7, ""},
-                              {15, ""},
-                              {17, ""}})
-        EXPECT_EQ(body_type_name(code), name) << code;
-}
-
 TEST(grow_bodies, keeps_the_bodies_there_are) {
     model_record model;
     model.bodies(32).name = "last";

@@ -37,22 +37,6 @@ TEST(misfit, residual_norm_sums_in_double_and_the_misfit_is_weighted_norm_over_n
                     25.0f);  // 10 x 5 / 2; an r.m.s. would give 35.36
 }
 
-TEST(misfit, weight_is_one_ten_ten_and_hundred_by_data_type_and_gradient_mode) {
-    const float expected[2][2] = {{1.0f, 10.0f}, {10.0f, 100.0f}};
-    for (int mode = 0; mode <= 1; ++mode) {
-        for (int gradient = 0; gradient <= 1; ++gradient) {
-            toy_setup t;
-            t.flat_line(41, 1);
-            free_only(t.model, {&body_record::width});
-            t.response.inversion_fits_gradient = gradient;
-            int status = 0;
-            t.run(1, status, mode);
-            EXPECT_EQ(status, 1);
-            EXPECT_FLOAT_EQ(t.state.misfit_weight, expected[mode][gradient]);
-        }
-    }
-}
-
 TEST(coordinate_descent, parameter_without_influence_drifts_one_probe_and_ends_the_run) {
     toy_setup t;
     t.shifted_body(220.0f);

@@ -16,33 +16,6 @@ using testing_support::state_for;
 
 constexpr double kPi = 3.14159265358979;
 
-TEST(filter_weights, each_mode) {
-    array1<float> w(0, 4);
-    build_filter_weights(box_smoothing, 4, w);
-    for (int k = 0; k <= 4; ++k) EXPECT_FLOAT_EQ(w(k), 1.0f / 9.0f);
-
-    build_filter_weights(triangular_smoothing, 4, w);
-    EXPECT_FLOAT_EQ(w(0), 0.2f);
-    EXPECT_FLOAT_EQ(w(1), 0.2f * 4 / 5);
-    EXPECT_FLOAT_EQ(w(4), 0.2f * 1 / 5);
-
-    build_filter_weights(vertical_gradient_filter, 4, w);
-    EXPECT_FLOAT_EQ(w(1), static_cast<float>(-2 / kPi));
-    EXPECT_EQ(w(2), 0.0f);
-    EXPECT_FLOAT_EQ(w(3), static_cast<float>(-2 / kPi / 9));
-    EXPECT_NEAR(w(0) + 2 * (w(1) + w(2) + w(3) + w(4)), 0.0, 1e-6);  // adds to 0
-
-    build_filter_weights(horizontal_derivative_filter, 4, w);
-    EXPECT_EQ(w(0), 0.0f);
-    EXPECT_FLOAT_EQ(w(1), static_cast<float>(2 / kPi));
-    EXPECT_FLOAT_EQ(w(3), static_cast<float>(-2 / kPi / 9));
-    EXPECT_EQ(w(4), 0.0f);
-
-    w.fill(7.0f);
-    build_filter_weights(0, 4, w);  // another mode: untouched
-    EXPECT_EQ(w(2), 7.0f);
-}
-
 // A linear ramp of 2 a station: the vertical gradient is 0 away from the ends, the horizontal
 // derivative (2 / pi)(b - a) = 8 / pi per station inside and half that at the clamped ends.
 TEST(channel_filter, gradients_of_a_linear_ramp) {

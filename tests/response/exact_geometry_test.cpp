@@ -16,6 +16,7 @@
 namespace trensil {
 namespace {
 
+using testing_shapes::rectangle_attraction;
 using testing_support::line_model;
 constexpr double pi = 3.14159265358979;
 constexpr double deg = pi / 180.0;
@@ -71,15 +72,6 @@ double talwani_total_field(std::vector<corner> poly, double jx, double jz, doubl
         bz -= sigma * (tz * lg + nz * th) / (2.0 * pi);
     }
     return bx * fx + bz * fz;
-}
-
-// Attraction of a 2-D rectangle per unit G rho: 2 [F] over the corners with
-// F(x, z) = x ln(x^2 + z^2) / 2 + z atan(x / z), x and z of the corner from the station.
-double rectangle_attraction(double x1, double x2, double z1, double z2) {
-    auto F = [](double x, double z) {
-        return x * std::log(x * x + z * z) / 2 + z * std::atan(x / z);
-    };
-    return 2.0 * (F(x2, z2) - F(x1, z2) - F(x2, z1) + F(x1, z1));
 }
 
 body_record& exact_body(model_record& model, int type) {

@@ -1,5 +1,5 @@
-// Closed forms of a rectangular prism written independently of the facet engine, and small
-// builders of stations and box meshes, for the facet engine and polyhedron tests.
+// Closed forms of a rectangular prism and a 2-D rectangle written independently of the facet
+// engine, and small builders of stations and box meshes, for the response tests.
 #pragma once
 
 #include <array>
@@ -10,6 +10,15 @@
 #include "support/bounded_array.h"
 
 namespace trensil::testing_shapes {
+
+// Attraction of an infinitely long 2-D rectangle per unit G rho: 2 [F] over the corners with
+// F(x, z) = x ln(x^2 + z^2) / 2 + z atan(x / z), x and z of the corner from the station, z down.
+inline double rectangle_attraction(double x1, double x2, double z1, double z2) {
+    auto F = [](double x, double z) {
+        return x * std::log(x * x + z * z) / 2 + z * std::atan(x / z);
+    };
+    return 2.0 * (F(x2, z2) - F(x1, z2) - F(x2, z1) + F(x1, z1));
+}
 
 // Second derivatives of F, whose third mixed derivative is 1/r (Nagy 2000), at a corner (x, y, z)
 // relative to the station. The Newtonian potential's Hessian of the prism, U_ab, is the sum of

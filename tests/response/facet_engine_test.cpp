@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <initializer_list>
@@ -218,24 +217,6 @@ TEST(facet_engine_regression, tenth_move_off_an_edge_line_carries_on_from_the_mo
         EXPECT_NEAR(b.body_response(total_field_row, 51), 273.1391, 1e-4);
         EXPECT_NEAR(b.body_response(total_field_row, 61), 273.0197, 1e-4);
     }
-}
-
-TEST(facet_engine, corner_angle_is_signed_and_complementary) {
-    int sign = 0;
-    // A station in the plane of the corner: no angle.
-    EXPECT_EQ(facet_corner_angle({1.0, 0.0, 0.0}, {1.0, 1.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0},
-                                 sign),
-              0.0);
-    // A right-angled corner seen from straight above its vertex: a right angle one way round,
-    // its complement to 2 pi the other.
-    const double one_way = facet_corner_angle({1.0, 0.0, 5.0}, {0.0, 0.0, 5.0}, {0.0, 1.0, 5.0},
-                                              {0.0, 0.0, 1.0}, sign);
-    const int one_sign = sign;
-    const double other_way = facet_corner_angle({0.0, 1.0, 5.0}, {0.0, 0.0, 5.0}, {1.0, 0.0, 5.0},
-                                                {0.0, 0.0, 1.0}, sign);
-    EXPECT_NEAR(one_way + other_way, facet_two_pi, 1e-12);
-    EXPECT_NEAR(std::min(one_way, other_way), facet_pi / 2.0, 1e-12);
-    EXPECT_EQ(one_sign * sign, -1);
 }
 
 TEST(facet_engine, two_thread_split_matches_one_pass) {

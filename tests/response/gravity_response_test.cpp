@@ -11,17 +11,9 @@
 namespace trensil {
 namespace {
 
+using testing_shapes::rectangle_attraction;
 using testing_support::line_model;
 using testing_support::state_for;
-
-// Attraction of an infinitely long 2-D rectangle per unit G rho: 2 [F] over the corners with
-// F(x, z) = x ln(x^2 + z^2) / 2 + z atan(x / z), z positive down.
-double rectangle_attraction(double x1, double x2, double z1, double z2) {
-    auto F = [](double x, double z) {
-        return x * std::log(x * x + z * z) / 2 + z * std::atan(x / z);
-    };
-    return 2.0 * (F(x2, z2) - F(x1, z2) - F(x2, z1) + F(x1, z1));
-}
 
 // A vertical sheet striking north under a line running east: stations from east 0 to 950 at
 // elevation 0; the body's reference point at distance 300, width 200 east of it, top at -50.
