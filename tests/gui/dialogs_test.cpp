@@ -1,17 +1,14 @@
-// The coordinate transform dialog and the program information dialogs, offscreen.
+// The coordinate transform dialog and the file dialog filters, offscreen.
 #include <gtest/gtest.h>
 
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QRegularExpression>
-#include <QTableWidget>
 
 #include "../support/scratch_dir.h"
 #include "../workspace/workspace_files.h"
 #include "gui_application.h"
 #include "modelling_window.h"
-#include "program_modules.h"
 #include "qt_platform.h"
 #include "support/memory_settings_store.h"
 #include "support/scripted_platform.h"
@@ -116,27 +113,6 @@ TEST(transform_dialog, modelling_window_reads_its_data_through_an_accepted_trans
         ASSERT_TRUE(tab_model_changing(ws, 0, 1));
         EXPECT_DOUBLE_EQ(ws.model.profile.location(easting_row, 1), east + 1000.0);
     }
-}
-
-TEST(program_modules, list_names_the_linked_versions) {
-    application();
-    const std::vector<program_module> modules = program_modules();
-    auto version_of = [&modules](const std::string& name) {
-        for (const program_module& m : modules)
-            if (m.name == name) return QString::fromStdString(m.version);
-        return QString();
-    };
-    EXPECT_EQ(version_of("Qt"), QString(qVersion()));
-    const QRegularExpression release("^\\d+\\.\\d+");
-    EXPECT_TRUE(release.match(version_of("GDAL")).hasMatch()) << version_of("GDAL").toStdString();
-    EXPECT_FALSE(version_of("Compiler").isEmpty());
-
-    modules_dialog dialog;
-    auto* table = dialog.findChild<QTableWidget*>("Grid_modules");
-    ASSERT_NE(table, nullptr);
-    EXPECT_EQ(table->rowCount(), static_cast<int>(modules.size()));
-    const std::string text = program_modules_text(modules);
-    EXPECT_NE(text.find("GDAL\t" + version_of("GDAL").toStdString()), std::string::npos);
 }
 
 // The file dialogs list only files whose names match the patterns Qt finds in the label's

@@ -46,7 +46,6 @@ TEST_F(window_test, opened_model_fills_graphs_and_section) {
     ASSERT_EQ(mag.y.size(), 2u);
     EXPECT_FALSE(std::isnan(mag.y[1][100]));  // computed beside observed
     EXPECT_EQ(window.graph(4)->polygon_count(), 2);
-    EXPECT_NE(window.findChild<QWidget*>("Frame_mag_profiles"), nullptr);
 
     // Picking: the cylinder's polygon is found under its centre.
     graph_widget* section = window.graph(4);
@@ -57,6 +56,12 @@ TEST_F(window_test, opened_model_fills_graphs_and_section) {
     const QImage shot = window.capture_graphs();
     EXPECT_GT(shot.width(), 100);
     EXPECT_GT(shot.height(), 100);
+
+    // The plan replaces the section.
+    command_show_section_or_plan(window.workspace());
+    EXPECT_TRUE(window.findChild<QWidget*>("Frame_section")->isHidden());
+    EXPECT_FALSE(window.findChild<QWidget*>("Frame_plan")->isHidden());
+    EXPECT_EQ(window.plan_graph()->polygon_count(), 2);
 }
 
 TEST_F(window_test, zoom_and_pan_controls_move_every_axis) {
@@ -83,17 +88,6 @@ TEST_F(window_test, zoom_and_pan_controls_move_every_axis) {
     EXPECT_LT(window.graph(0)->yaxismax - window.graph(0)->yaxismin, span0);
     EXPECT_FLOAT_EQ(window.graph(1)->yaxismax - window.graph(1)->yaxismin, span1);
     EXPECT_EQ(window.findChild<QScrollBar*>("VScroll_zoom_0")->value(), 0);
-}
-
-TEST_F(window_test, plan_replaces_the_section) {
-    modelling_window window(ui_, settings_);
-    window.show();
-    ASSERT_EQ(open_model_file(window.workspace(), model_path_), 0);
-    command_show_section_or_plan(window.workspace());
-    EXPECT_TRUE(window.findChild<QWidget*>("Frame_section")->isHidden());
-    EXPECT_FALSE(window.findChild<QWidget*>("Frame_plan")->isHidden());
-    EXPECT_EQ(window.plan_graph()->polygon_count(), 2);
-    EXPECT_EQ(window.text("Command_show_section_or_plan"), "Show Section View");
 }
 
 TEST_F(window_test, settings_written_at_close_come_back) {

@@ -93,19 +93,6 @@ struct project_form : ::testing::Test {
     }
 };
 
-TEST_F(project_form, comes_up_empty_and_keeps_its_settings) {
-    EXPECT_EQ(view.caption, "Trensil Project Version 0.01 July 2021");
-    EXPECT_EQ(view.items["Combo_names"], std::vector<std::string>{"N/A"});
-    EXPECT_EQ(view.tables["Grid_profile_lines"].at(0),
-              (std::vector<std::string>{"Line Number", "X", "Y", "Z", "Burial"}));
-    view.width = 900;
-    view.height = 700;
-    project_form_unload(ws);
-    EXPECT_EQ(settings.get_setting("Ostrand", "TrensilProject", "FormSize"), "900;700");
-    EXPECT_NE(settings.get_setting("Ostrand", "TrensilProject", "WorkingDirectory"),
-              no_setting_value);
-}
-
 TEST_F(project_form, digitised_line_is_written_entered_and_reopened) {
     save_project();
     ASSERT_EQ(digitise(20), 20);
@@ -349,12 +336,6 @@ TEST_F(project_form, project_files_that_cannot_be_read) {
     EXPECT_EQ(grid_file_changed(ws, 1, dir.file("bad.qvj")), -1);
     EXPECT_EQ(ui.last_message(), "An error occured while loading the grid file: not a grid");
 }
-
-}  // namespace
-}  // namespace trensil
-
-namespace trensil {
-namespace {
 
 // A project never saved is kept as a recovery copy once it has a line, comes back after the run
 // dies, and leaves no copy once it is saved.

@@ -30,13 +30,5 @@ TEST(colour_ramp, ends_held_and_continuous_with_components_in_range) {
     }
 }
 
-TEST(colour_ramp, value_is_blue_green_red) {
-    const colour_fraction c = colour_ramp(0.9);
-    const std::int32_t v = colour_ramp_value(0.9);
-    EXPECT_EQ(v & 0xff, std::lround(c.red * 255.0f));
-    EXPECT_EQ((v >> 8) & 0xff, std::lround(c.green * 255.0f));
-    EXPECT_EQ((v >> 16) & 0xff, std::lround(c.blue * 255.0f));
-}
-
 }  // namespace
 }  // namespace trensil

@@ -27,19 +27,6 @@ long failure_of(F action) {
     return 0;
 }
 
-TEST(huge_text_file_error, describes_itself_by_number_and_text) {
-    const huge_text_file_error e(htf_read_past_eof);
-    EXPECT_EQ(e.number(), 45608);
-    EXPECT_EQ(e.description(), "Error 45608\nAttempt to read past EOF.");
-    EXPECT_STREQ(e.what(), "Error 45608\nAttempt to read past EOF.");
-    EXPECT_STREQ(huge_text_file_error::source(), "HugeTextFile");
-    EXPECT_EQ(huge_text_file_error_text(5), "Invalid parameter.  Numeric Variant expected.");
-    EXPECT_EQ(huge_text_file_error_text(45614), "OpenFile BufferSize must be > 0.");
-    EXPECT_EQ(huge_text_file_error_text(45600), "Unknown error.");
-    EXPECT_EQ(huge_text_file_error::system_failure(0).text(), "Unknown Error");
-    EXPECT_EQ(huge_text_file_error::system_failure(2).description().rfind("Error 2\n", 0), 0u);
-}
-
 TEST(huge_text_file, reads_lines_across_buffer_refills) {
     scratch_dir dir("htf_read");
     const std::string path = dir.file("lines.txt");

@@ -5,34 +5,16 @@
 
 #include "support/text_lines.h"
 #include "support/text_measure.h"
-#include "support/value_helpers.h"
 
 namespace trensil {
 namespace {
 
 TEST(text_width, sums_the_table_of_printable_codes_in_units_of_the_height) {
-    // The table holds blank (32) to '~' (126) only.
-    EXPECT_EQ(char_width_table[31], 0);
-    EXPECT_EQ(char_width_table[32], 64);
-    EXPECT_EQ(char_width_table[126], 139);
-    EXPECT_EQ(char_width_table[127], 0);
     // B 171, o 128, d 128, y 128, blank 64, 1 128: 747 / 256 of the height.
     EXPECT_FLOAT_EQ(text_width("Body 1", 12.0f), 747.0f / 256.0f * 12.0f);
     EXPECT_FLOAT_EQ(text_width("", 10.0f), 0.0f);
     // Tabs and bytes above 126 count nothing.
     EXPECT_FLOAT_EQ(text_width("A\t\xC3\xA9", 256.0f), 185.0f);
-}
-
-TEST(value_helpers, yes_no_log_of_magnitude_and_mixed_type_extremes) {
-    EXPECT_EQ(yes_no_text(-1), "Yes");
-    EXPECT_EQ(yes_no_text(1), "Yes");
-    EXPECT_EQ(yes_no_text(0), "No");
-    EXPECT_EQ(log10_of(0.0), 0.0f);
-    EXPECT_FLOAT_EQ(log10_of(-1000.0), 3.0f);
-    EXPECT_FLOAT_EQ(log10_of(0.01), -2.0f);
-    // Mixed arguments compare and return in the wider type.
-    EXPECT_DOUBLE_EQ(greater_of(2, 3.5), 3.5);
-    EXPECT_DOUBLE_EQ(lesser_of(-1.5f, 2.0), -1.5);
 }
 
 TEST(read_text_line, reads_lf_and_crlf_lines_and_a_last_line_without_terminator) {

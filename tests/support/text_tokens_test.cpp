@@ -18,7 +18,7 @@ std::vector<std::string> all_words(std::string line) {
     return words;
 }
 
-TEST(take_word, separates_at_blanks_tabs_and_commas) {
+TEST(take_word, separates_at_blanks_tabs_and_commas_and_keeps_empty_fields) {
     std::string line = "  12.5, 300 ,abc";
     EXPECT_EQ(take_word(line), "12.5");
     EXPECT_EQ(line, "300 ,abc");
@@ -29,9 +29,6 @@ TEST(take_word, separates_at_blanks_tabs_and_commas) {
 
     EXPECT_EQ(all_words("a\tb\t\tc"), (std::vector<std::string>{"a", "b", "c"}));
     EXPECT_EQ(all_words("x ,\t y"), (std::vector<std::string>{"x", "y"}));
-}
-
-TEST(take_word, two_commas_leave_an_empty_field) {
     // An empty csv field is kept as an empty word, so columns stay in place.
     EXPECT_EQ(all_words("1,,3"), (std::vector<std::string>{"1", "", "3"}));
     EXPECT_EQ(all_words("1, ,3"), (std::vector<std::string>{"1", "", "3"}));
@@ -55,9 +52,7 @@ TEST(parse_number, reads_the_numeric_prefix) {
     // An exponent marker without digits ends the number before it.
     EXPECT_EQ(parse_number("3e"), 3.0);
     EXPECT_EQ(parse_number("3e+"), 3.0);
-}
-
-TEST(parse_number, a_bad_token_reads_zero) {
+    // A text without a numeric prefix reads zero.
     for (const char* bad : {"", "abc", "-", ".", "+.", "e5", "--1", "*", "nan", "inf"})
         EXPECT_EQ(parse_number(bad), 0.0) << bad;
 }

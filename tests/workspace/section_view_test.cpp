@@ -222,20 +222,6 @@ TEST(section_marks, bodies_along_the_line_and_spheres_get_marks_only) {
     EXPECT_EQ(f.model.body(2).display_index, 4);  // polygon 2 is body 4
 }
 
-TEST(section_marks, highlight_white_body_and_black_reference_mark) {
-    section_fixture f;
-    add_body(f.model, thick_sheet, 100.0f, 0.0f).colour = colour_white;
-    add_body(f.model, thick_sheet, 300.0f, 0.0f);
-    f.options.current_body = 2;
-    f.options.highlight_on = true;
-    const auto polygons = f.draw();
-    EXPECT_EQ(polygons[0].fill, no_fill);
-    EXPECT_EQ(polygons[1].fill, colour_red);
-    EXPECT_EQ(polygons[1].colour, colour_red);
-    EXPECT_EQ(f.graph.markers().back().colour, colour_black);
-    EXPECT_EQ(f.graph.markers().back().markersize, 15);
-}
-
 TEST(section_marks, sensor_stride_halves_above_128_stations) {
     for (const auto& [stations, marks] : {std::pair{128, 128u}, std::pair{129, 65u}}) {
         section_fixture f;

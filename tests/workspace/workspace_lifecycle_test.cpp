@@ -66,22 +66,12 @@ TEST_F(workspace_test, unusable_settings_leave_the_defaults_and_design_size) {
     EXPECT_FLOAT_EQ(f.ws.model.mag_intensity, 56000.0f);
     EXPECT_EQ(f.view.text("Text_mag_intensity"), "56000");
     EXPECT_EQ(f.view.text("Text_mag_inclination"), "-65");
-    EXPECT_EQ(f.view.items["Combo_model_type"],
-              (std::vector<std::string>{"Thin Sheet", "Thick Sheet", "Cylinder/Pipe"}));
     EXPECT_TRUE(f.ws.modeller_open && f.ws.form_ready && !f.ws.updating_display);
-    EXPECT_EQ(f.controls[0].title, "Total Magnetic Intensity (black = obseved, red = modelled)");
 
     // An empty intensity box stores no field texts at unload.
     f.view.texts["Text_mag_intensity"] = "";
     form_unload(f.ws);
     EXPECT_EQ(f.setting("MagIntensity"), "strong");
-}
-
-TEST_F(workspace_test, opened_from_project_hides_the_data_definitions) {
-    f.ws.opened_from_project = true;
-    form_load(f.ws);
-    EXPECT_FALSE(f.view.visible("Frame_qvx_data_file_definitions"));
-    EXPECT_FALSE(f.view.enabled["menu_open_model_0"]);
 }
 
 TEST_F(workspace_test, body_defaults_store_eight_values_only) {
@@ -140,7 +130,7 @@ TEST_F(workspace_test, model_fields_follow_their_acceptance_rules) {
     EXPECT_EQ(m.xpos, 4);
 }
 
-TEST_F(workspace_test, opened_model_is_drawn_zoomed_panned_and_shown_in_plan) {
+TEST_F(workspace_test, opened_model_is_drawn_zoomed_and_panned) {
     form_load(f.ws);
     EXPECT_EQ(menu_open_model(f.ws, 0), -1);  // cancelled
     EXPECT_TRUE(f.ui.messages.empty());
@@ -172,12 +162,6 @@ TEST_F(workspace_test, opened_model_is_drawn_zoomed_panned_and_shown_in_plan) {
     hscroll_pan_changed(f.ws, 4);
     EXPECT_NEAR(f.controls[4].xaxismax, 2000.0f, 1e-2f);
     EXPECT_NEAR(f.controls[2].xaxismin, 1000.0f, 1e-2f);
-
-    // The plan replaces the section and draws the footprints.
-    command_show_section_or_plan(f.ws);
-    EXPECT_TRUE(f.ws.plan_shown);
-    EXPECT_EQ(f.plan.polygons().size(), 2u);
-    EXPECT_EQ(f.view.text("Command_show_section_or_plan"), "Show Section View");
 }
 
 // The fields of line `index` (0 the first) of a csv text, trimmed.
